@@ -1,0 +1,34 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+/// What the host hands to DSP_Create: up to two open handles that the plug-in borrows and never closes.
+/// A handle is absent when it is null or INVALID_HANDLE_VALUE.
+#pragma pack(push, 1)
+struct CreateRecord {
+    HANDLE errorFile; ///< receives error lines only
+    void* reserved;
+    HANDLE debugFile; ///< receives every trace line, errors included
+};
+#pragma pack(pop)
+static_assert(sizeof(CreateRecord) == 24);
+static_assert(offsetof(CreateRecord, errorFile) == 0);
+static_assert(offsetof(CreateRecord, reserved) == 8);
+static_assert(offsetof(CreateRecord, debugFile) == 16);
+
+/// Messages that move the indentation shared by all instances of the process. A line that begins with kLeave
+/// is written one level further out, a line after one that begins with kEnter one level further in.
+inline constexpr const wchar_t* kEnter = L"->->";
+inline constexpr const wchar_t* kLeave = L"<-<-";
+
+/// Writes one trace line to the owner's `debugFile`: the prefix, or the indentation where there is none, the
+/// message, and the scope as "  [scope]" unless it is null. UTF-16 without byte-order mark, ended by CR LF,
+/// in one WriteFile whose outcome is ignored. Serialised by a mutex of the module.
+void Log(const wchar_t* message, const CreateRecord& owner, const wchar_t* scope,
+         const wchar_t* prefix = nullptr);
+
+/// Writes an error: a trace line with the prefix "*** Error: ", then the bare message and scope to the
+/// owner's `errorFile`.
+void LogError(const wchar_t* message, const CreateRecord& owner, const wchar_t* scope);

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "support/Owner.h"
+#include "support/XString.h"
+
+#include <cstdint>
+
+/// One file, opened for writing or for its times. Failures are silent: they show in the results alone.
+class XFile {
+public:
+    /// Opens `fileName` (CreateFileW, shared for reading and writing), closing what was open before. Paths of
+    /// 260 characters or more get the "\\?\" prefix. `access` and `disposition` are those of CreateFileW. An
+    /// empty name fails without a system call.
+    bool Open(const XString& fileName, DWORD access, DWORD disposition);
+
+    bool IsOpen() const noexcept { return m_file.IsValid(); }
+
+    /// Writes all of the bytes at the current position; false when fewer were written or nothing is open. No
+    /// bytes at all are always written, even from a null pointer.
+    bool Write(const void* data, size_t count) noexcept;
+
+    void Close() noexcept { m_file.Reset(); }
+
+    /// The open handle, still owned here, or INVALID_HANDLE_VALUE.
+    HANDLE Handle() const noexcept { return m_file.Get(); }
+
+private:
+    OwnedFile m_file;
+};

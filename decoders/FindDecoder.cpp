@@ -1,0 +1,54 @@
+#include "decoders/FindDecoder.h"
+
+#include "decoders/DecoderCache.h"
+#include "support/Paths.h"
+#include "support/ProgramFolder.h"
+#include "support/XFileFind.h"
+
+namespace {
+
+bool TryDecoderLibrary(const wchar_t* libraryPath, const XString& extension, clZentaroDecoder& decoder,
+                       void* context) {
+    if (decoder.Load(libraryPath) && decoder.CreateInstance(context) && decoder.Decodes(extension.Text())) {
+        return true;
+    }
+    decoder.Unload();
+    return false;
+}
+
+/// Only the name of the cached library counts, so that the cache survives a converter that was moved.
+bool TryCachedLibrary(const XString& programFolder, const XString& extension, clZentaroDecoder& decoder,
+                      void* context) {
+    const XString cached = ReadCacheEntry(extension);
+    if (cached.IsEmpty()) {
+        return false;
+    }
+    XString candidate(programFolder.Text());
+    candidate.Append(L"decoder\\");
+    candidate.Append(GetFileName(cached));
+    return TryDecoderLibrary(candidate.Text(), extension, decoder, context);
+}
+
+bool TryFolder(const XString& programFolder, const XString& extension, clZentaroDecoder& decoder,
+               void* context) {
+    XFileFind scan = XFileFind::ForDecoders(programFolder.Text());
+    while (scan.Next()) {
+        if (!scan.IsFolder() && TryDecoderLibrary(scan.Path().Text(), extension, decoder, context)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+bool FindDecoderForFile(const XString& fileName, clZentaroDecoder& decoder, void* context) {
+    const XString extension = GetFileExt(fileName);
+    const XString programFolder = ModuleFolder(nullptr);
+    if (!TryCachedLibrary(programFolder, extension, decoder, context) &&
+        !TryFolder(programFolder, extension, decoder, context)) {
+        return false;
+    }
+    WriteCacheEntry(extension, decoder.LibraryPath());
+    return true;
+}

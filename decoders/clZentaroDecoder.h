@@ -1,0 +1,50 @@
+#pragma once
+
+#include "decoders/DecoderRecords.h"
+#include "decoders/XDLL.h"
+#include "support/XString.h"
+
+/// One decoder library of the converter and at most one instance of its decoder.
+/// Destruction destroys the instance, then frees the library.
+class clZentaroDecoder {
+public:
+    clZentaroDecoder() noexcept = default;
+    ~clZentaroDecoder() { Unload(); }
+    clZentaroDecoder(const clZentaroDecoder&) = delete;
+    clZentaroDecoder& operator=(const clZentaroDecoder&) = delete;
+
+    /// Loads a library and binds its exports, in place of the one held before. False, with nothing kept, when
+    /// it cannot be loaded or lacks one of the nine exports.
+    bool Load(const wchar_t* libraryPath);
+
+    /// Destroys the instance and frees the library.
+    void Unload() noexcept;
+
+    /// Makes the library's decoder, in place of the one held before. `context` is handed through to it. False
+    /// when no library is bound or the library answers null.
+    bool CreateInstance(void* context) noexcept;
+
+    /// The library's own Destroy alone ends an instance, also one that has opened a file.
+    void DestroyInstance() noexcept;
+
+    /// Whether the library lists the extension (with its dot) under "Decodes", ASCII letters in any case.
+    /// Needs an instance.
+    bool Decodes(const wchar_t* extension) const noexcept;
+
+    /// Opens a file as the record asks; false when the library says so or there is no instance.
+    bool Open(DecoderOpenRecord& record) const noexcept;
+
+    /// Path of the bound library; empty when there is none.
+    const XString& LibraryPath() const noexcept { return m_libraryPath; }
+
+private:
+    bool Bind() noexcept;
+
+    XDLL m_library;
+    XString m_libraryPath;
+    void* m_instance = nullptr;
+    DecoderCreateFunction* m_create = nullptr;
+    DecoderDestroyFunction* m_destroy = nullptr;
+    DecoderGetFunction* m_get = nullptr;
+    DecoderOpenFunction* m_open = nullptr;
+};

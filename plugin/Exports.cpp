@@ -1,0 +1,75 @@
+#include "plugin/Exports.h"
+
+#include "plugin/clDSP_WriteMetadataFile.h"
+
+#include <new>
+#include <utility>
+
+namespace {
+
+/// Runs the work of one export on a non-null instance. No exception reaches the host: when memory runs out
+/// the work is not done, the host gets 0, and an error line says so if there is memory enough for that.
+template<class Work>
+auto Guarded(clDSP_WriteMetadataFile* instance, Work work) noexcept -> decltype(work(*instance)) {
+    if (instance == nullptr) {
+        return {};
+    }
+    try {
+        return work(*instance);
+    } catch (const std::bad_alloc&) {
+        try {
+            LogError(L"Out of memory", instance->Record(), nullptr);
+        } catch (const std::bad_alloc&) {
+            return {};
+        }
+        return {};
+    }
+}
+
+} // namespace
+
+clDSP_WriteMetadataFile* DSP_Create(const CreateRecord* record) {
+    return new clDSP_WriteMetadataFile(*record);
+}
+
+int32_t DSP_Destroy(clDSP_WriteMetadataFile* instance) {
+    delete instance;
+    return 1;
+}
+
+int32_t DSP_BeginConversion(clDSP_WriteMetadataFile* instance, void* /*ignored*/, const wchar_t* settings,
+                            void* /*ignored*/) {
+    return Guarded(instance, [settings](clDSP_WriteMetadataFile& plugin) {
+        plugin.BeginConversion(settings);
+        return 1;
+    });
+}
+
+int32_t DSP_EndConversion(clDSP_WriteMetadataFile* instance) {
+    return Guarded(instance, [](clDSP_WriteMetadataFile& plugin) {
+        plugin.EndConversion();
+        return 1;
+    });
+}
+
+int32_t DSP_AfterConversion(clDSP_WriteMetadataFile* instance, const AfterConversionInfo* info) {
+    return Guarded(instance, [info](clDSP_WriteMetadataFile& plugin) {
+        plugin.AfterConversion(info);
+        return 1;
+    });
+}
+
+int32_t DSP_PassAudioBlock(clDSP_WriteMetadataFile* instance) {
+    return instance != nullptr ? 1 : 0;
+}
+
+int32_t DSP_Get(clDSP_WriteMetadataFile* instance, const wchar_t* key) {
+    return Guarded(instance, [key](clDSP_WriteMetadataFile& plugin) { return plugin.Get(key) ? 1 : 0; });
+}
+
+int32_t DSP_Set(clDSP_WriteMetadataFile* instance, const wchar_t* key) {
+    return Guarded(instance, [key](clDSP_WriteMetadataFile& plugin) {
+        plugin.Set(key);
+        return 0;
+    });
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "metadata/AfterConversionInfo.h"
+#include "support/DebugLog.h"
+
+#include <windows.h>
+
+#include <cstdint>
+
+class clDSP_WriteMetadataFile;
+
+// What the library exports (WriteMetadataFile.def). The host calls
+//
+//   DSP_Create, any number of (DSP_ShowConfigBit, DSP_RemoveConfigBit),
+//   any number of conversions (DSP_BeginConversion, DSP_PassAudioBlock …, DSP_EndConversion,
+//   DSP_AfterConversion), DSP_Destroy
+//
+// on one thread for each instance. Every function but DSP_Create takes the instance first; a null instance is
+// answered with 0 (by DSP_Destroy with 1) and has no effect. Texts are zero-terminated UTF-16. Failures of
+// the metadata work are told in the trace and error handles of the CreateRecord, never in a result.
+extern "C" {
+
+/// A new instance holding a copy of the record, whose handles stay the host's. Throws std::bad_alloc.
+clDSP_WriteMetadataFile* DSP_Create(const CreateRecord* record);
+
+/// Frees the instance and all it owns, an open panel included. Always 1.
+int32_t DSP_Destroy(clDSP_WriteMetadataFile* instance);
+
+/// Reads the settings for the conversion that begins. 1.
+int32_t DSP_BeginConversion(clDSP_WriteMetadataFile* instance, void* ignored1, const wchar_t* settings,
+                            void* ignored2);
+
+/// 1.
+int32_t DSP_EndConversion(clDSP_WriteMetadataFile* instance);
+
+/// Writes the metadata document. 1.
+int32_t DSP_AfterConversion(clDSP_WriteMetadataFile* instance, const AfterConversionInfo* info);
+
+/// 1: the audio passes untouched, whatever further arguments the host passes. Exported as DSP_PassNonLive,
+/// too.
+int32_t DSP_PassAudioBlock(clDSP_WriteMetadataFile* instance);
+
+/// 1 for the key "IsLive", else 0.
+int32_t DSP_Get(clDSP_WriteMetadataFile* instance, const wchar_t* key);
+
+/// 0: nothing can be set.
+int32_t DSP_Set(clDSP_WriteMetadataFile* instance, const wchar_t* key);
+}

@@ -1,0 +1,35 @@
+#include "plugin/Module.h"
+
+#include <winsock2.h>
+
+HMODULE moduleHandle = nullptr;
+
+namespace {
+
+/// Winsock is up for as long as the library is loaded, for the host's other stages that count on it.
+class WinsockScope {
+public:
+    WinsockScope() noexcept {
+        WSADATA data;
+        m_started = WSAStartup(MAKEWORD(2, 2), &data) == 0;
+    }
+    ~WinsockScope() {
+        if (m_started) {
+            WSACleanup();
+        }
+    }
+    WinsockScope(const WinsockScope&) = delete;
+    WinsockScope& operator=(const WinsockScope&) = delete;
+
+private:
+    bool m_started = false;
+};
+
+const WinsockScope winsock;
+
+} // namespace
+
+BOOL WINAPI DllMain(HINSTANCE module, DWORD /*reason*/, LPVOID /*reserved*/) {
+    moduleHandle = module;
+    return TRUE;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "metadata/AfterConversionInfo.h"
+#include "metadata/MetadataContext.h"
+#include "support/DebugLog.h"
+#include "support/XFile.h"
+#include "support/XString.h"
+
+#include <cstdint>
+
+/// One instance of the plug-in: what the host's DSP_Create makes and DSP_Destroy ends. Used by one thread at
+/// a time.
+class clDSP_WriteMetadataFile {
+public:
+    explicit clDSP_WriteMetadataFile(const CreateRecord& record) noexcept : m_record(record) {}
+
+    /// Takes style sheet, extension and output name from the settings text. Style sheet and extension keep
+    /// their values when the text lacks them; the output name lasts for one conversion.
+    void BeginConversion(const wchar_t* settings);
+
+    void EndConversion();
+
+    /// Writes the metadata document of the conversion that just ended; nothing is written for null.
+    void AfterConversion(const AfterConversionInfo* info);
+
+    /// Whether the plug-in has the property; only "IsLive", spelt so.
+    bool Get(const wchar_t* key);
+
+    /// Traces the key; no property can be set.
+    void Set(const wchar_t* key);
+
+    /// The host's record: owner of this instance's trace and error lines.
+    const CreateRecord& Record() const noexcept { return m_record; }
+
+private:
+    MetadataContext Context() noexcept {
+        return {m_record, this, m_xsltFile, m_outputExtension, m_outputName, m_outputFile};
+    }
+
+    CreateRecord m_record;
+    XString m_xsltFile;
+    XString m_outputExtension;
+    XString m_outputName;
+    XFile m_outputFile;
+};

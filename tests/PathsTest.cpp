@@ -1,0 +1,76 @@
+#include "support/Paths.h"
+#include "support/ProgramFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+std::wstring Wide(const XString& text) {
+    return text.Text();
+}
+
+TEST(Paths, SplitAtBackslashesAndLastDots) {
+    const struct {
+        const wchar_t *path, *name, *noExt, *ext, *folder;
+    } rows[] = {
+        {L"C:\\a\\song.mp3", L"song.mp3", L"song", L".mp3", L"C:\\a\\"},
+        {L"C:\\a\\archive.tar.gz", L"archive.tar.gz", L"archive.tar", L".gz", L"C:\\a\\"},
+        {L"C:\\Music\\Track.01\\song", L"song", L"song", L".", L"C:\\Music\\Track.01\\"},
+        {L"C:\\a\\", L"", L"", L".", L"C:\\a\\"},
+        {L"C:\\a.b\\", L"", L"", L".", L"C:\\a.b\\"},
+        {L"song.mp3", L"song.mp3", L"song", L".mp3", L"song.mp3"},
+        {L"C:/a/song.mp3", L"C:/a/song.mp3", L"C:/a/song", L".mp3", L"C:/a/song.mp3"},
+        {L"C:\\a\\.hidden", L".hidden", L"", L".hidden", L"C:\\a\\"},
+        {L"C:\\a\\dot.", L"dot.", L"dot", L".", L"C:\\a\\"},
+        {L"", L"", L"", L".", L""},
+    };
+    for (const auto& row : rows) {
+        const XString path(row.path);
+        EXPECT_EQ(Wide(GetFileName(path)), row.name) << row.path;
+        EXPECT_EQ(Wide(GetFileNameNoExt(path)), row.noExt) << row.path;
+        EXPECT_EQ(Wide(GetFileExt(path)), row.ext) << row.path;
+        EXPECT_EQ(Wide(GetFilePath(path)), row.folder) << row.path;
+    }
+}
+
+TEST(Paths, BackslashesAtTheEnd) {
+    const struct {
+        const wchar_t *path, *ensured, *stripped;
+    } rows[] = {
+        {L"", L"\\", L""}, {L"C:", L"C:\\", L"C:"}, {L"C:\\\\", L"C:\\\\", L"C:"}, {L"\\\\", L"\\\\", L""}};
+    for (const auto& row : rows) {
+        XString ensured(row.path);
+        EnsureTrailingBackslash(ensured);
+        EXPECT_EQ(Wide(ensured), row.ensured);
+        XString stripped(row.path);
+        StripBackslashes(stripped);
+        EXPECT_EQ(Wide(stripped), row.stripped);
+    }
+}
+
+TEST(Paths, LongPathsGetThePrefixAtTheLimit) {
+    for (const size_t limit : {kOpenPathLimit, kScanPathLimit}) {
+        const std::wstring shorter = L"C:\\" + std::wstring(limit - 4, L'x');
+        EXPECT_EQ(Wide(MakeLongPath(XString(shorter.c_str()), limit)), shorter);
+        const std::wstring atLimit = shorter + L"x";
+        EXPECT_EQ(Wide(MakeLongPath(XString(atLimit.c_str()), limit)), L"\\\\?\\" + atLimit);
+        const std::wstring share = L"\\\\" + atLimit;
+        EXPECT_EQ(Wide(MakeLongPath(XString(share.c_str()), limit)), share);
+    }
+}
+
+TEST(Paths, ProgramPathsMayStandInQuotes) {
+    const struct {
+        const wchar_t *path, *folder;
+    } rows[] = {{L"C:\\a b\\host.exe", L"C:\\a b\\"},
+                {L"\"C:\\a b\\host.exe\" -x \\y", L"C:\\a b\\"},
+                {L"\"C:\\a\\host.exe", L"C:\\a\\"},
+                {L"", L""}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(Wide(FolderOfProgram(XString(row.path))), row.folder) << row.path;
+    }
+}
+
+} // namespace

@@ -17,16 +17,3 @@ void XStringList::Add(XString&& text) {
 void XStringList::Clear() noexcept {
     *this = XStringList();
 }
-
-XString Join(const XStringList& list) {
-    size_t length = 1;
-    for (const XString& text : list) {
-        length += text.Size();
-    }
-    XString joined;
-    joined.Reserve(length);
-    for (const XString& text : list) {
-        joined.Append(text);
-    }
-    return joined;
-}

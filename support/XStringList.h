@@ -38,6 +38,3 @@ private:
     size_t m_capacity = kFirstCapacity;
     size_t m_growStep = kFirstStep;
 };
-
-/// All entries one after the other with nothing between them.
-XString Join(const XStringList& list);

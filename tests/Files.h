@@ -1,0 +1,99 @@
+#pragma once
+
+#include "support/Owner.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+// Real files for tests.
+
+/// A new empty folder that is removed with all it holds.
+class TempFolder {
+public:
+    TempFolder() {
+        wchar_t base[MAX_PATH];
+        GetTempPathW(MAX_PATH, base);
+        static unsigned count = 0;
+        m_folder = std::wstring(base) + L"wmf-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                   std::to_wstring(++count);
+        EXPECT_TRUE(CreateDirectoryW(m_folder.c_str(), nullptr)) << m_folder;
+    }
+    ~TempFolder() { Remove(m_folder); }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    std::wstring Path(const std::wstring& name) const { return m_folder + L"\\" + name; }
+
+    /// Deletes a folder and everything below it.
+    static void Remove(const std::wstring& folder) {
+        WIN32_FIND_DATAW entry;
+        const OwnedFind find(FindFirstFileW((folder + L"\\*").c_str(), &entry));
+        for (BOOL found = find.IsValid(); found; found = FindNextFileW(find.Get(), &entry)) {
+            const std::wstring name = entry.cFileName;
+            if (name == L"." || name == L"..") {
+                continue;
+            }
+            if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+                Remove(folder + L"\\" + name);
+            } else {
+                DeleteFileW((folder + L"\\" + name).c_str());
+            }
+        }
+        RemoveDirectoryW(folder.c_str());
+    }
+
+private:
+    std::wstring m_folder;
+};
+
+/// A new file, open for writing and shared with readers.
+inline OwnedFile CreateTestFile(const std::wstring& path) {
+    OwnedFile file(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
+                               FILE_ATTRIBUTE_NORMAL, nullptr));
+    EXPECT_TRUE(file.IsValid()) << path;
+    return file;
+}
+
+inline void WriteTestFile(const std::wstring& path, const std::string& bytes) {
+    const OwnedFile file = CreateTestFile(path);
+    DWORD written = 0;
+    WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    EXPECT_EQ(written, bytes.size());
+}
+
+/// The bytes of a file; a failed expectation when it cannot be read.
+inline std::string ReadBytes(const std::wstring& path) {
+    const OwnedFile file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                     OPEN_EXISTING, 0, nullptr));
+    EXPECT_TRUE(file.IsValid()) << path;
+    std::string bytes(file.IsValid() ? GetFileSize(file.Get(), nullptr) : 0, '\0');
+    DWORD read = 0;
+    ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
+    EXPECT_EQ(read, bytes.size());
+    return bytes;
+}
+
+/// The content of a UTF-16 file without byte-order mark.
+inline std::wstring ReadUtf16(const std::wstring& path) {
+    const std::string bytes = ReadBytes(path);
+    EXPECT_EQ(bytes.size() % 2, 0u) << path;
+    return std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / 2);
+}
+
+inline bool Exists(const std::wstring& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+/// The lines of a text that ends each with CR LF.
+inline std::vector<std::wstring> Lines(const std::wstring& text) {
+    std::vector<std::wstring> lines;
+    size_t begin = 0;
+    for (size_t end = text.find(L"\r\n"); end != std::wstring::npos; end = text.find(L"\r\n", begin)) {
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + 2;
+    }
+    EXPECT_EQ(begin, text.size()) << "the last line has no end";
+    return lines;
+}

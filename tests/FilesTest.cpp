@@ -1,0 +1,133 @@
+#include "support/Paths.h"
+#include "support/Utf8.h"
+#include "support/XFile.h"
+#include "support/XFileFind.h"
+
+#include "tests/Files.h"
+
+#include <set>
+
+namespace {
+
+XString Text(const std::wstring& text) {
+    return XString(text.c_str());
+}
+
+TEST(XFile, ReplacesWritesAndFailsInSilence) {
+    const TempFolder folder;
+    const std::wstring path = folder.Path(L"out.txt");
+    WriteTestFile(path, "something longer than what follows");
+    XFile file;
+    EXPECT_FALSE(file.Write("x", 1)) << "nothing is open";
+    ASSERT_TRUE(file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS));
+    EXPECT_TRUE(file.Write("abc", 3));
+    EXPECT_TRUE(file.Write(nullptr, 0));
+    EXPECT_FALSE(file.Write(nullptr, 5));
+    EXPECT_TRUE(file.Write("de", 2));
+    EXPECT_EQ(ReadBytes(path), "abcde") << "readable by others while it is open";
+    file.Close();
+    EXPECT_FALSE(file.IsOpen());
+    EXPECT_FALSE(file.Write("x", 1));
+
+    ASSERT_TRUE(file.Open(Text(path), GENERIC_READ, OPEN_EXISTING));
+    EXPECT_FALSE(file.Write("x", 1)) << "opened for reading";
+    EXPECT_FALSE(file.Open(Text(folder.Path(L"no\\such\\folder")), GENERIC_WRITE, CREATE_ALWAYS));
+    EXPECT_FALSE(file.IsOpen()) << "a failed open closes what was open before";
+    EXPECT_FALSE(file.Open(XString(), GENERIC_WRITE, CREATE_ALWAYS));
+}
+
+TEST(XFile, WritesPathsOfAnyLength) {
+    const TempFolder folder;
+    std::wstring path = folder.Path(std::wstring(200, L'd'));
+    ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + path).c_str(), nullptr));
+    path += L"\\" + std::wstring(150, L'f');
+    XFile file;
+    ASSERT_TRUE(file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS));
+    EXPECT_TRUE(file.Write("x", 1));
+    file.Close();
+    EXPECT_TRUE(FileExists(Text(path)));
+    EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + path).c_str()));
+    EXPECT_FALSE(FileExists(Text(path)));
+}
+
+TEST(XFile, WritesMoreThanOnePieceInOrder) {
+    const TempFolder folder;
+    std::string bytes(40u << 20, '\0');
+    for (size_t i = 0; i < bytes.size(); i += 4096) {
+        bytes[i] = static_cast<char>(i >> 12);
+    }
+    XFile file;
+    ASSERT_TRUE(file.Open(Text(folder.Path(L"big")), GENERIC_WRITE, CREATE_ALWAYS));
+    EXPECT_TRUE(file.Write(bytes.data(), bytes.size()));
+    file.Close();
+    EXPECT_TRUE(ReadBytes(folder.Path(L"big")) == bytes);
+}
+
+TEST(FileExists, TellsFilesFoldersRootsAndWildcards) {
+    const TempFolder folder;
+    WriteTestFile(folder.Path(L"song.flac"), "");
+    CreateDirectoryW(folder.Path(L"sub").c_str(), nullptr);
+    const std::pair<std::wstring, bool> rows[] = {
+        {L"", false},
+        {L"C:", true},
+        {L"C:\\", true},
+        {L"Q:\\", false},
+        {folder.Path(L"song.flac"), true},
+        {folder.Path(L"SONG.FLAC"), true},
+        {folder.Path(L"song.flac\\\\"), true}, // backslashes at the end do not count
+        {folder.Path(L"sub"), true},
+        {folder.Path(L"sub\\"), true},
+        {folder.Path(L"*.flac"), true},
+        {folder.Path(L"*.mp3"), false},
+        {folder.Path(L"missing"), false},
+    };
+    for (const auto& [path, expected] : rows) {
+        EXPECT_EQ(FileExists(Text(path)), expected) << path;
+    }
+}
+
+TEST(XFileFind, ListsFilesAndFoldersOnce) {
+    const TempFolder folder;
+    CreateDirectoryW(folder.Path(L"decoder").c_str(), nullptr);
+    CreateDirectoryW(folder.Path(L"decoder\\folder.dll").c_str(), nullptr);
+    WriteTestFile(folder.Path(L"decoder\\a.dll"), "");
+    WriteTestFile(folder.Path(L"decoder\\b.DLL"), "");
+    WriteTestFile(folder.Path(L"decoder\\c.txt"), "");
+    std::set<std::wstring> found;
+    XFileFind find = XFileFind::ForDecoders(folder.Path(L"").c_str());
+    while (find.Next()) {
+        found.insert(std::wstring(find.Path().Text()) + (find.IsFolder() ? L" folder" : L""));
+    }
+    EXPECT_FALSE(find.Next()) << "the end stays the end";
+    EXPECT_EQ(found, (std::set<std::wstring>{folder.Path(L"decoder\\a.dll"), folder.Path(L"decoder\\b.DLL"),
+                                             folder.Path(L"decoder\\folder.dll folder")}));
+    XFileFind all(Text(folder.Path(L"decoder\\*")));
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_TRUE(all.Next()) << "the folder itself and its parent are passed over";
+    }
+    EXPECT_FALSE(all.Next());
+    EXPECT_FALSE(XFileFind(Text(folder.Path(L"none\\*"))).Next());
+}
+
+TEST(Utf8, RendersEveryPlaneAndRepairsLoneSurrogates) {
+    const std::pair<const wchar_t*, const char*> rows[] = {
+        {L"", ""},
+        {L"a\x00E9\x4E2D", "a\xC3\xA9\xE4\xB8\xAD"},
+        {L"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
+        {L"\xD83Dx", "\xEF\xBF\xBDx"},
+        {L"\xDE00", "\xEF\xBF\xBD"},
+    };
+    for (const auto& [text, expected] : rows) {
+        std::string bytes = "before ";
+        AppendUtf8(bytes, XString(text));
+        EXPECT_EQ(bytes, std::string("before ") + expected);
+    }
+    // Longer than the inner buffer, with a pair across every possible border.
+    for (size_t ahead = 4094; ahead < 4098; ++ahead) {
+        std::string bytes;
+        AppendUtf8(bytes, Text(std::wstring(ahead, L'x') + L"\xD83D\xDE00" + std::wstring(5000, L'y')));
+        EXPECT_EQ(bytes, std::string(ahead, 'x') + "\xF0\x9F\x98\x80" + std::string(5000, 'y')) << ahead;
+    }
+}
+
+} // namespace

@@ -1,0 +1,67 @@
+#include "plugin/ParseOptions.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+// All options as one text: name[value] in order.
+std::wstring Parsed(const wchar_t* text) {
+    OptionLists lists;
+    lists.names.Add(L"stale");
+    lists.values.Add(L"stale");
+    ParseOptions(lists, XString(text));
+    EXPECT_EQ(lists.names.Count(), lists.values.Count());
+    std::wstring all;
+    for (size_t i = 0; i < lists.names.Count(); ++i) {
+        all += std::wstring(lists.names[i].Text()) + L"[" + lists.values[i].Text() + L"]";
+    }
+    return all;
+}
+
+TEST(ParseOptions, ReadsEveryFormOfOption) {
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+        {L"", L""},
+        {L"no option here", L""},
+        {L"-xsltfile=\"C:\\My Files\\a-b.xsl\" -ext=\"txt\"", L"xsltfile[C:\\My Files\\a-b.xsl]ext[txt]"},
+        {L"-xsltfile=\"\" -ext=\"\"", L"xsltfile[]ext[]"},
+        {L"-XSLTFILE=x.xsl", L"XSLTFILE[x.xsl]"},
+        {L"-ext -xsltfile=a.xsl", L"ext[]xsltfile[a.xsl]"},
+        {L"--ext = \"xml\"", L"ext[xml]"},
+        {L"---ext=x", L"-ext[x]"},
+        {L"-ext  == =txt rest -a", L"ext[txt]a[]"},
+        {L"-xsltfile=\"abc", L"xsltfile[]"},
+        {L"-xsltfile=\"abc -ext=x y", L"xsltfile[]ext[x]"}, // goes on just behind the quote
+        {L"-ext\"txt\"-b=1", L"ext[txt]b[1]"},
+        {L"-a=b-c -d", L"a[b-c]d[]"},
+        {L"-a-b=c", L"a-b[c]"},
+        {L"-=x -\"y\" - z -e=1", L"e[1]"},
+        {L"-", L""},
+        {L"--", L""},
+        {L"-a", L"a[]"},
+        {L"-a=", L"a[]"},
+        {L"-a=\"", L"a[]"},
+        {L"-a=\"b c\"d -e", L"a[b c]e[]"},
+        {L"x-a=1", L"a[1]"},
+    };
+    for (const auto& [text, expected] : rows) {
+        EXPECT_EQ(Parsed(text), expected) << text;
+    }
+}
+
+TEST(ParseOptions, FirstNameWinsInAnyCase) {
+    OptionLists lists;
+    ParseOptions(lists, XString(L"-EXT=1 -ext=2 -Xsltfile -xsltfile=3"));
+    EXPECT_STREQ(FindOption(lists, L"ext"), L"1");
+    EXPECT_STREQ(FindOption(lists, L"xsltfile"), L"") << "the first one counts, even without a value";
+    EXPECT_STREQ(FindOption(lists, L"filename"), L"");
+}
+
+TEST(ParseOptions, ReadsBackWhatItFormats) {
+    const XString text = FormatOptions(L"C:\\a b\\-c=.xsl", L".htm");
+    EXPECT_STREQ(text.Text(), L"-xsltfile=\"C:\\a b\\-c=.xsl\" -ext=\".htm\"");
+    EXPECT_EQ(Parsed(text.Text()), L"xsltfile[C:\\a b\\-c=.xsl]ext[.htm]");
+}
+
+} // namespace

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -38,9 +37,9 @@ public:
 
 private:
     static void AddWord(std::vector<uint8_t>& bytes, int32_t word) {
-        uint8_t raw[sizeof word];
-        std::memcpy(raw, &word, sizeof word);
-        bytes.insert(bytes.end(), raw, raw + sizeof raw);
+        for (int shift = 0; shift < 32; shift += 8) {
+            bytes.push_back(static_cast<uint8_t>(static_cast<uint32_t>(word) >> shift));
+        }
     }
 
     std::vector<uint8_t> m_entries;

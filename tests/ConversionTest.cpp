@@ -1,0 +1,449 @@
+#include "tests/Decoders.h"
+#include "tests/PluginHarness.h"
+
+#include <functional>
+
+namespace {
+
+/// A conversion as the host reports it, with real files and one fixture decoder for both.
+class ConversionTest : public testing::Test {
+protected:
+    ConversionTest() {
+        WriteTestFile(source, "source");
+        WriteTestFile(converted, "converted");
+        SetTimes(source, {2024, 3, 4, 7, 13, 5, 9, 0});
+        SetTimes(converted, {1999, 12, 5, 31, 23, 59, 59, 0});
+        library.decodes = {L".tst", L".OUT", L".wav"};
+        library.audioInfo.format.wFormatTag = 1;
+        library.audioInfo.format.nChannels = 2;
+        library.audioInfo.format.nSamplesPerSec = 44100;
+        library.audioInfo.format.wBitsPerSample = 16;
+        library.audioInfo.bitrate = 705;
+        library.audioInfo.length = 1234;
+        library.audioInfo.fileSize = 9;
+        library.idTags = TagBlob().Add(L"Title", L"Caf\x00E9 & more").Add(L"Artist", L"A\rB").Bytes();
+        library.properties = TagBlob().Add(L"Codec", L"Test").Bytes();
+        sourceInfo.format.nChannels = 1;
+        sourceInfo.format.nSamplesPerSec = 8000;
+        sourceInfo.format.wBitsPerSample = 8;
+        sourceInfo.bitrate = -7;
+        sourceInfo.length = INT64_MIN;
+        sourceInfo.fileSize = INT64_MAX;
+    }
+
+    static void SetTimes(const std::wstring& path, const SYSTEMTIME& written) {
+        const OwnedFile file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr));
+        FILETIME time = {};
+        SystemTimeToFileTime(&written, &time);
+        ULARGE_INTEGER ticks = {{time.dwLowDateTime, time.dwHighDateTime}};
+        ticks.QuadPart += 10'000'000ULL * 3600; // read an hour later
+        const FILETIME accessed = {ticks.LowPart, ticks.HighPart};
+        EXPECT_TRUE(SetFileTime(file.Get(), &time, &accessed, &time));
+    }
+
+    /// The creation time as the system keeps it; not every system keeps the one that was set.
+    static std::string Created(const std::wstring& path) {
+        WIN32_FILE_ATTRIBUTE_DATA data = {};
+        SYSTEMTIME time = {};
+        EXPECT_TRUE(GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data));
+        EXPECT_TRUE(FileTimeToSystemTime(&data.ftCreationTime, &time));
+        char text[32];
+        snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", time.wYear, time.wMonth, time.wDay,
+                 time.wHour, time.wMinute, time.wSecond);
+        return text;
+    }
+
+    AfterConversionInfo Info() {
+        AfterConversionInfo info = {};
+        info.sourceFileName = source.c_str();
+        info.destFileName = converted.c_str();
+        info.sourceAudioInfo = &sourceInfo;
+        info.destIDTags = tags.data();
+        info.destIDTagsSize = static_cast<uint32_t>(tags.size());
+        info.sourceAudioProperties = properties.data();
+        info.sourceAudioPropertiesSize = static_cast<uint32_t>(properties.size());
+        return info;
+    }
+
+    std::wstring Convert(const std::wstring& settings = L"") {
+        plugin.Convert(settings, Info());
+        return plugin.Trace();
+    }
+
+    static std::string Narrow(const std::wstring& ascii) { return std::string(ascii.begin(), ascii.end()); }
+
+    Decoders decoders;
+    FixtureBehaviour& library = decoders.Add(L"lib.dll");
+    PluginInstance plugin;
+    std::wstring folder = plugin.Folder().Path(L"");
+    std::wstring source = folder + L"in.tst";
+    std::wstring converted = folder + L"out.c.OUT";
+    std::wstring document = folder + L"out.c.xml";
+    AudioInfo sourceInfo = {};
+    std::vector<uint8_t> tags = TagBlob().Add(L"Artist", L"C\rD").Add(L"Cover", L"", {1, 2}).Bytes();
+    std::vector<uint8_t> properties = TagBlob().Add(L"Sample Rate", L"8000").Add(L"_x", L"hidden").Bytes();
+};
+
+// The lines of one successful reading.
+std::wstring Reading(const std::wstring& method, const std::wstring& what, const std::wstring& readingWhat,
+                     const std::wstring& file, const std::wstring& middle = L"") {
+    const std::wstring scope = L"  [clDSP_WriteMetadataFile::" + method + L"]\r\n";
+    return L"    ->->" + scope + L"      Reading " + readingWhat + L" from file '" + file + L"'\r\n" +
+           middle + L"      Finished reading " + what + L" from file '" + file + L"'\r\n" + L"    <-<-" +
+           scope;
+}
+
+std::wstring Times(size_t count) {
+    std::wstring lines;
+    for (; count > 0; --count) {
+        lines += L"    ->->  [clDSP_WriteMetadataFile::GetFormattedFileDateTime]\r\n"
+                 L"    <-<-  [clDSP_WriteMetadataFile::GetFormattedFileDateTime]\r\n";
+    }
+    return lines;
+}
+
+TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
+    const std::wstring trace = Convert();
+    const std::string place = Narrow(folder);
+    EXPECT_EQ(ReadBytes(document), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+                                   "<AudioMetadata>\r\n"
+                                   "\t<SourceFile>\r\n"
+                                   "\t\t<FileName>in.tst</FileName>\r\n"
+                                   "\t\t<FileNameNoExt>in</FileNameNoExt>\r\n"
+                                   "\t\t<FileNameExt>.tst</FileNameExt>\r\n"
+                                   "\t\t<FileNamePath>" +
+                                       place +
+                                       "</FileNamePath>\r\n"
+                                       "\t\t<FileSize>9223372036854775807</FileSize>\r\n"
+                                       "\t\t<FileLength>-9223372036854775808</FileLength>\r\n"
+                                       "\t\t<FileBitrate>-7</FileBitrate>\r\n"
+                                       "\t\t<FileCreated>" +
+                                       Created(source) +
+                                       "</FileCreated>\r\n"
+                                       "\t\t<FileModified>2024-03-07T13:05:09</FileModified>\r\n"
+                                       "\t\t<FileAccessed>2024-03-07T14:05:09</FileAccessed>\r\n"
+                                       "\t\t<AudioProperties>\r\n"
+                                       "\t\t\t<SampleRate name=\"Sample Rate\">8000</SampleRate>\r\n"
+                                       "\t\t</AudioProperties>\r\n"
+                                       "\t\t<AudioFormat>\r\n"
+                                       "\t\t\t<Channels>1</Channels>\r\n"
+                                       "\t\t\t<SamplesPerSec>8000</SamplesPerSec>\r\n"
+                                       "\t\t\t<BitsPerSample>8</BitsPerSample>\r\n"
+                                       "\t\t\t<AvgBytesPerSec>1</AvgBytesPerSec>\r\n"
+                                       "\t\t</AudioFormat>\r\n"
+                                       "\t\t<IDTags>\r\n"
+                                       "\t\t\t<Title name=\"Title\">Caf\xC3\xA9 &amp; more</Title>\r\n"
+                                       "\t\t\t<Artist name=\"Artist\">A</Artist>\r\n"
+                                       "\t\t\t<Artist name=\"Artist\">B</Artist>\r\n"
+                                       "\t\t</IDTags>\r\n"
+                                       "\t</SourceFile>\r\n"
+                                       "\t<ConvertedFile>\r\n"
+                                       "\t\t<FileName>out.c.OUT</FileName>\r\n"
+                                       "\t\t<FileNameNoExt>out.c</FileNameNoExt>\r\n"
+                                       "\t\t<FileNameExt>.OUT</FileNameExt>\r\n"
+                                       "\t\t<FileNamePath>" +
+                                       place +
+                                       "</FileNamePath>\r\n"
+                                       "\t\t<FileSize>9</FileSize>\r\n"
+                                       "\t\t<FileLength>1234</FileLength>\r\n"
+                                       "\t\t<FileBitrate>705</FileBitrate>\r\n"
+                                       "\t\t<FileCreated>" +
+                                       Created(converted) +
+                                       "</FileCreated>\r\n"
+                                       "\t\t<FileModified>1999-12-31T23:59:59</FileModified>\r\n"
+                                       "\t\t<FileAccessed>2000-01-01T00:59:59</FileAccessed>\r\n"
+                                       "\t\t<AudioProperties>\r\n"
+                                       "\t\t\t<Codec name=\"Codec\">Test</Codec>\r\n"
+                                       "\t\t</AudioProperties>\r\n"
+                                       "\t\t<AudioFormat>\r\n"
+                                       "\t\t\t<Channels>2</Channels>\r\n"
+                                       "\t\t\t<SamplesPerSec>44100</SamplesPerSec>\r\n"
+                                       "\t\t\t<BitsPerSample>16</BitsPerSample>\r\n"
+                                       "\t\t\t<AvgBytesPerSec>176400</AvgBytesPerSec>\r\n"
+                                       "\t\t</AudioFormat>\r\n"
+                                       "\t\t<IDTags>\r\n"
+                                       "\t\t\t<Artist name=\"Artist\">C</Artist>\r\n"
+                                       "\t\t\t<Artist name=\"Artist\">D</Artist>\r\n"
+                                       "\t\t</IDTags>\r\n"
+                                       "\t</ConvertedFile>\r\n"
+                                       "</AudioMetadata>\r\n");
+    const std::wstring scope = L"  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n";
+    EXPECT_EQ(trace, PluginInstance::Framed(
+                         L"  ->->" + scope + L"    " + document + scope +
+                         Reading(L"GetAudioInfo", L"audio info", L"audio info", converted) +
+                         Reading(L"GetAudioProperties", L"audio properties", L"audio properties", converted) +
+                         Reading(L"GetIDTags", L"ID tags", L"audio ID tags", source,
+                                 L"      Pass.IDTagByteSize: " + std::to_wstring(library.idTags.size()) +
+                                     L"  [clDSP_WriteMetadataFile::GetIDTags]\r\n") +
+                         Times(6) + L"  <-<-" + scope));
+    EXPECT_EQ(plugin.Errors(), L"");
+}
+
+TEST_F(ConversionTest, CallsTheDecoderLibrariesInOrder) {
+    decoders.Add(L"a.dll").decodes = {L".other"};
+    decoders.Add(L"b.dll", L"incomplete").decodes = {L".OUT"};
+    decoders.Add(L"c.dll").failingCreate = 1;
+    Convert();
+    const auto scan = [](int number) {
+        const std::wstring n = std::to_wstring(number);
+        return std::vector<std::wstring>{
+            L"a.dll: load",          L"a.dll: Create" + n,
+            L"a.dll: Get Decodes 0", L"a.dll: Get Decodes 1",
+            L"a.dll: Destroy" + n,   L"a.dll: free",
+            L"b.dll: load",          L"b.dll: free",
+            L"c.dll: load",          L"c.dll: Create" + n + (number == 1 ? L" null" : L"")};
+    };
+    const auto reading = [](int number, const wchar_t* flag, int asked) {
+        const std::wstring a = std::to_wstring(number), b = std::to_wstring(number + 1);
+        std::vector<std::wstring> calls = {L"lib.dll: load", L"lib.dll: Create" + a};
+        for (int i = 0; i < asked; ++i) {
+            calls.push_back(L"lib.dll: Get Decodes " + std::to_wstring(i));
+        }
+        for (const std::wstring& call : {L"Create" + b, L"Open" + b + L" " + flag, L"Destroy" + b,
+                                         L"Destroy" + a, std::wstring(L"free")}) {
+            calls.push_back(L"lib.dll: " + call);
+        }
+        return calls;
+    };
+    std::vector<std::wstring> expected = scan(1);
+    expected.push_back(L"c.dll: free");
+    for (const auto& calls : {reading(1, L"4", 2), reading(3, L"16", 2)}) { // .OUT: found, then cached
+        expected.insert(expected.end(), calls.begin(), calls.end());
+    }
+    for (const std::wstring& call : scan(2)) { // .tst: scanned anew
+        expected.push_back(call);
+    }
+    for (const wchar_t* call : {L"c.dll: Get Decodes 0", L"c.dll: Destroy2", L"c.dll: free"}) {
+        expected.push_back(call);
+    }
+    const auto last = reading(5, L"8", 1);
+    expected.insert(expected.end(), last.begin(), last.end());
+    EXPECT_EQ(decoders.Calls(), expected);
+}
+
+TEST_F(ConversionTest, ReaderFailuresLeaveTheRestOfTheDocument) {
+    const std::wstring lib = Decoders::PathOf(L"lib.dll");
+    const struct {
+        const char* label;
+        std::function<void()> arrange;
+        std::wstring errors;
+        bool readsInfo, readsTags;
+    } rows[] = {
+        {"all is well", [] {}, L"", true, true},
+        {"Open fails", [this] { library.opens = false; },
+         L"Failed to read audio info from file '" + converted +
+             L"'\r\nFailed to read audio properties from file '" + converted +
+             L"'\r\nFailed to read ID tags from file '" + source + L"'\r\n",
+         false, false},
+        {"no list at all", [this] { library.listsAreNull = true; }, L"", true, false},
+        {"negative list sizes", [this] { library.sizeInstead = -5; }, L"", true, false},
+        {"second instance fails", [this] { library.failingCreate = 2; }, L"", false, true},
+        {"extension list without text", [this] { library.decodes = {}, library.textMissing = true; },
+         L"Failed to find decoder to read audio properties from file '" + converted +
+             L"'\r\nFailed to find decoder to read audio properties from file '" + converted +
+             L"'\r\nFailed to find decoder to read ID tags from file '" + source + L"'\r\n",
+         false, false},
+    };
+    const FixtureBehaviour good = library;
+    for (const auto& row : rows) {
+        library = good;
+        row.arrange();
+        Convert();
+        const std::string written = ReadBytes(document);
+        EXPECT_EQ(plugin.Errors(), row.errors) << row.label;
+        EXPECT_EQ(written.find("<FileBitrate>705<") != std::string::npos, row.readsInfo) << row.label;
+        EXPECT_EQ(written.find("<FileBitrate>0<") == std::string::npos, row.readsInfo) << row.label;
+        EXPECT_EQ(written.find("<Title ") != std::string::npos, row.readsTags) << row.label;
+        DeleteFileW(document.c_str());
+        decoders.Calls();
+    }
+}
+
+TEST_F(ConversionTest, EarlyEndsLeaveTheTraceOneLevelDeeper) {
+    DeleteFileW(source.c_str());
+    DeleteFileW(Decoders::PathOf(L"lib.dll").c_str());
+    const std::wstring trace = Convert();
+    const std::wstring missing = L"'" + source + L"'";
+    const std::wstring noDecoder =
+        L"Failed to find decoder to read audio properties from file '" + converted + L"'\r\n";
+    std::wstring errors =
+        noDecoder + noDecoder + L"Error reading ID tags, file does not exist " + missing + L"\r\n";
+    for (int i = 0; i < 3; ++i) {
+        errors += L"Error reading file date time, file does not exist " + missing + L"\r\n";
+    }
+    EXPECT_EQ(plugin.Errors(), errors);
+    const std::vector<std::wstring> lines = Lines(trace);
+    ASSERT_EQ(lines.size(), 29u);
+    // Six early ends: the leave lines of the whole are six levels in, where they were entered at 1 and at 0.
+    EXPECT_EQ(lines[27], std::wstring(14, L' ') + L"<-<-  [clDSP_WriteMetadataFile::WriteXMLFile]");
+    EXPECT_EQ(lines[28], std::wstring(12, L' ') + L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]");
+    EXPECT_NE(ReadBytes(document).find("\t\t<FileCreated></FileCreated>\r\n"), std::string::npos);
+}
+
+TEST_F(ConversionTest, ADiscHasNoSourceFile) {
+    source = L"-";
+    Convert();
+    const std::string written = ReadBytes(document);
+    for (const char* line : {"\t\t<FileName></FileName>\r\n", "\t\t<FileNameNoExt></FileNameNoExt>\r\n",
+                             "\t\t<FileNameExt></FileNameExt>\r\n", "\t\t<FileNamePath></FileNamePath>\r\n",
+                             "\t\t<FileBitrate>-7</FileBitrate>\r\n", "\t\t<FileCreated></FileCreated>\r\n",
+                             "\t\t<FileModified></FileModified>\r\n", "\t\t<FileAccessed></FileAccessed>\r\n",
+                             "\t\t<IDTags>\r\n\t\t</IDTags>\r\n"}) {
+        EXPECT_NE(written.find(line), std::string::npos) << line;
+    }
+    EXPECT_EQ(plugin.Errors(), L"");
+}
+
+TEST_F(ConversionTest, SettingsDecideTheOutputPath) {
+    const struct {
+        const wchar_t* settings;
+        std::wstring output;
+    } rows[] = {
+        {L"", L"out.c.xml"},
+        {L"-ext=\"\"", L"out.c.xml"},
+        {L"-ext=txt", L"out.ctxt"},
+        {L"", L"out.ctxt"}, // the extension of before stays
+        {L"-ext=\".nfo\" -ext=.second", L"out.c.nfo"},
+        {L"-filename=\"NAMED\"", L"named file.html"},
+        {L"", L"out.c.nfo"}, // the name does not
+    };
+    for (const auto& row : rows) {
+        std::wstring settings = row.settings;
+        if (const size_t at = settings.find(L"NAMED"); at != std::wstring::npos) {
+            settings.replace(at, 5, folder + L"named file.html");
+        }
+        WriteTestFile(folder + row.output, std::string(100000, '?')); // longer than the document
+        const std::wstring trace = Convert(settings);
+        EXPECT_NE(trace.find(L"    " + folder + row.output + L"  [clDSP"), std::wstring::npos)
+            << row.settings;
+        const std::string written = ReadBytes(folder + row.output);
+        EXPECT_TRUE(written.starts_with("<?xml")) << row.settings;
+        EXPECT_TRUE(written.ends_with("</AudioMetadata>\r\n")) << row.settings;
+        DeleteFileW((folder + row.output).c_str());
+    }
+    // The converted file's own extension makes the document replace it.
+    Convert(L"-ext=.OUT");
+    EXPECT_TRUE(ReadBytes(converted).starts_with("<?xml"));
+}
+
+TEST_F(ConversionTest, RefusesTwoKindsOfConvertedFiles) {
+    const std::wstring ripper =
+        L"Write XML incompatible with option in Platterhawk 'Rip to ._ Files, rename Album at end'\r\n";
+    const std::wstring encoder = L"Write XML is incompatible with this encoder.\r\n";
+    const struct {
+        const wchar_t* name;
+        std::wstring error;
+    } rows[] = {{L"track._", ripper},
+                {L"track.ignore", encoder},
+                {L"track.IgNoRe", encoder},
+                {L"track.ignored", L""}};
+    size_t depth = 0;
+    for (const auto& row : rows) {
+        converted = folder + row.name;
+        WriteTestFile(converted, "");
+        WriteTestFile(folder + L"track.xml", "kept");
+        library.decodes.push_back(L".ignored");
+        const std::vector<std::wstring> lines = Lines(Convert());
+        EXPECT_EQ(plugin.Errors(), row.error);
+        EXPECT_EQ(ReadBytes(folder + L"track.xml") == "kept", !row.error.empty()) << row.name;
+        if (!row.error.empty()) {
+            ASSERT_EQ(lines.size(), 8u);
+            EXPECT_EQ(lines[6] + L"\r\n", L"*** Error: " + row.error);
+            depth += 2;
+            EXPECT_EQ(lines[7],
+                      std::wstring(depth, L' ') + L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]");
+        }
+    }
+}
+
+TEST_F(ConversionTest, OutputThatCannotBeOpenedIsPassedOverInSilence) {
+    CreateDirectoryW(document.c_str(), nullptr);
+    const std::wstring trace = Convert();
+    EXPECT_EQ(plugin.Errors(), L"");
+    EXPECT_TRUE(trace.ends_with(L"  <-<-  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n"
+                                L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]\r\n"));
+}
+
+TEST_F(ConversionTest, HostListsMayBeMissingOrBroken) {
+    AfterConversionInfo info = Info();
+    info.sourceAudioInfo = nullptr;
+    info.destIDTags = nullptr;
+    info.sourceAudioPropertiesSize = 0x80000000u; // read as a negative size
+    plugin.Convert(L"", info);
+    const std::string written = ReadBytes(document);
+    EXPECT_EQ(written.find("name=\"Sample Rate\""), std::string::npos);
+    EXPECT_NE(written.find("\t\t<FileSize>0</FileSize>\r\n"), std::string::npos);
+    EXPECT_NE(written.find("\t\t<IDTags>\r\n\t\t</IDTags>\r\n\t</ConvertedFile>"), std::string::npos);
+}
+
+TEST_F(ConversionTest, FilesThatCannotBeOpenedHaveTheZeroTime) {
+    const OwnedFile locked(CreateFileW(source.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(locked.IsValid());
+    Convert();
+    EXPECT_NE(ReadBytes(document).find("\t\t<FileModified>1601-01-01T00:00:00</FileModified>\r\n"),
+              std::string::npos);
+}
+
+TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
+    // a.dll comes first in the folder and decodes the same as lib.dll.
+    decoders.Add(L"a.dll").decodes = {L".out", L".TST", L"."};
+    const std::wstring a = Decoders::PathOf(L"a.dll"), lib = Decoders::PathOf(L"lib.dll");
+    const struct {
+        const char* label;
+        std::function<void()> arrange;
+        std::wstring expected;
+    } rows[] = {
+        {"first in the folder", [] {}, a},
+        {"only the name of a cached path counts", [] { Decoders::Store(L".OUT", L"X:\\old\\lib.dll"); }, lib},
+        {"expandable text", [] { Decoders::Store(L".OUT", L"lib.dll", REG_EXPAND_SZ); }, lib},
+        {"without terminator, odd", [] { Decoders::Store(L".OUT", std::wstring(L"lib.dll", 7)); }, lib},
+        {"no text", [] { Decoders::Store(L".OUT", L"lib.dll", REG_BINARY); }, a},
+        {"empty", [] { Decoders::Store(L".OUT", L""); }, a},
+        {"missing library", [] { Decoders::Store(L".OUT", L"X:\\old\\gone.dll"); }, a},
+        {"library of other files",
+         [this] {
+             decoders.Add(L"z.dll").decodes = {L".zzz"};
+             Decoders::Store(L".OUT", L"z.dll");
+         },
+         a},
+    };
+    for (const auto& row : rows) {
+        row.arrange();
+        Convert();
+        EXPECT_EQ(Decoders::Cached(L".OUT"), row.expected) << row.label;
+        EXPECT_EQ(plugin.Errors(), L"") << row.label;
+    }
+    EXPECT_EQ(Decoders::Cached(L".tst"), a) << "value names keep the case of the file name";
+
+    // Without any library a stale entry stays as it was.
+    DeleteFileW(a.c_str());
+    DeleteFileW(lib.c_str());
+    Convert();
+    EXPECT_EQ(Decoders::Cached(L".OUT"), a);
+    // Nor is a sub-folder ever a library, whatever its name; a file without extension is looked up as ".".
+    CreateDirectoryW(a.c_str(), nullptr);
+    converted = folder + L"bare";
+    WriteTestFile(converted, "");
+    decoders.Add(L"dot.dll").decodes = {L"."};
+    plugin.Errors();
+    Convert();
+    EXPECT_EQ(Decoders::Cached(L"."), Decoders::PathOf(L"dot.dll"));
+}
+
+TEST_F(ConversionTest, CostGrowsWithTheWorkAlone) {
+    // A large value and many tags; anything quadratic would run into the test's time limit.
+    TagBlob blob;
+    blob.Add(L"Large", std::wstring(10'000'000, L'&'));
+    for (int i = 0; i < 100'000; ++i) {
+        blob.Add(L"tag " + std::to_wstring(i), L"value");
+    }
+    tags = blob.Bytes();
+    Convert();
+    const std::string written = ReadBytes(document);
+    EXPECT_NE(written.find("<tag99999 name=\"tag 99999\">value</tag99999>"), std::string::npos);
+    EXPECT_GT(written.size(), 50'000'000u);
+}
+
+} // namespace

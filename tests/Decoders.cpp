@@ -1,0 +1,11 @@
+#include "tests/Decoders.h"
+
+FixtureBehaviour* FixtureBehaviourOf(const wchar_t* libraryName) {
+    return &Decoders::current->Of(libraryName);
+}
+
+void FixtureCalled(const wchar_t* libraryName, const wchar_t* call) {
+    if (Decoders::current != nullptr) {
+        Decoders::current->Told(libraryName, call);
+    }
+}

@@ -1,0 +1,83 @@
+#include "tests/PluginHarness.h"
+
+#include <winsock2.h>
+
+namespace {
+
+TEST(EntryPoints, NullInstancesAreAnsweredWithoutEffect) {
+    const LoadedPlugin plugin;
+    AfterConversionInfo info = {};
+    EXPECT_EQ(CALL_PLUGIN(DSP_BeginConversion, nullptr, nullptr, L"", nullptr), 0);
+    EXPECT_EQ(CALL_PLUGIN(DSP_EndConversion, nullptr), 0);
+    EXPECT_EQ(CALL_PLUGIN(DSP_AfterConversion, nullptr, &info), 0);
+    EXPECT_EQ(CALL_PLUGIN(DSP_PassAudioBlock, nullptr), 0);
+    EXPECT_EQ(CALL_PLUGIN(DSP_Get, nullptr, L"IsLive"), 0);
+    EXPECT_EQ(CALL_PLUGIN(DSP_Set, nullptr, L"IsLive"), 0);
+    EXPECT_EQ(CALL_PLUGIN(DSP_Destroy, nullptr), 1);
+}
+
+TEST(EntryPoints, GetKnowsOnePropertyAndEveryKeyIsTraced) {
+    PluginInstance plugin;
+    const struct {
+        const wchar_t* key;
+        int32_t expected;
+    } rows[] = {{L"IsLive", 1}, {L"islive", 0}, {L"IsLive ", 0}, {L"", 0}, {L"IsLiv", 0}, {nullptr, 0}};
+    for (const auto& row : rows) {
+        const std::wstring key = row.key != nullptr ? row.key : L"";
+        EXPECT_EQ(CALL_PLUGIN(DSP_Get, plugin.Instance(), row.key), row.expected) << key;
+        EXPECT_EQ(plugin.Trace(), key + L"  [clDSP_WriteMetadataFile::Get]\r\n");
+        EXPECT_EQ(CALL_PLUGIN(DSP_Set, plugin.Instance(), row.key), 0) << key;
+        EXPECT_EQ(plugin.Trace(), key + L"  [clDSP_WriteMetadataFile::Set]\r\n");
+    }
+    // A key that begins like a marker moves the indentation like one.
+    CALL_PLUGIN(DSP_Get, plugin.Instance(), L"->->key");
+    CALL_PLUGIN(DSP_Get, plugin.Instance(), L"x");
+    CALL_PLUGIN(DSP_Set, plugin.Instance(), L"<-<-key");
+    EXPECT_EQ(plugin.Trace(), L"->->key  [clDSP_WriteMetadataFile::Get]\r\n"
+                              L"  x  [clDSP_WriteMetadataFile::Get]\r\n"
+                              L"<-<-key  [clDSP_WriteMetadataFile::Set]\r\n");
+    EXPECT_EQ(plugin.Errors(), L"");
+}
+
+TEST(EntryPoints, AudioPassesUntracedUnderTwoNames) {
+    PluginInstance plugin;
+    EXPECT_EQ(CALL_PLUGIN(DSP_PassAudioBlock, plugin.Instance()), 1);
+    EXPECT_EQ(PluginExport<void()>("DSP_PassNonLive"), PluginExport<void()>("DSP_PassAudioBlock"));
+    EXPECT_EQ(plugin.Trace(), L"");
+}
+
+TEST(EntryPoints, NullArgumentsHaveADefinedResult) {
+    PluginInstance plugin;
+    EXPECT_EQ(CALL_PLUGIN(DSP_BeginConversion, plugin.Instance(), nullptr, nullptr, nullptr), 1);
+    EXPECT_EQ(CALL_PLUGIN(DSP_EndConversion, plugin.Instance()), 1);
+    EXPECT_EQ(CALL_PLUGIN(DSP_AfterConversion, plugin.Instance(), nullptr), 1);
+    EXPECT_EQ(plugin.Trace(), PluginInstance::Framed(L""));
+    plugin.Destroy();
+    EXPECT_EQ(plugin.Trace(), L"");
+}
+
+TEST(EntryPoints, WorksWithoutAnyHandle) {
+    const LoadedPlugin plugin;
+    for (const HANDLE absent : {static_cast<HANDLE>(nullptr), INVALID_HANDLE_VALUE}) {
+        const CreateRecord record = {absent, nullptr, absent};
+        auto* instance = CALL_PLUGIN(DSP_Create, &record);
+        ASSERT_NE(instance, nullptr);
+        EXPECT_EQ(CALL_PLUGIN(DSP_Get, instance, L"IsLive"), 1);
+        EXPECT_EQ(CALL_PLUGIN(DSP_Destroy, instance), 1);
+    }
+}
+
+TEST(EntryPoints, LoadingStartsWinsockAndFreeingStopsIt) {
+    WSASetLastError(0);
+    EXPECT_EQ(socket(AF_INET, SOCK_DGRAM, 0), INVALID_SOCKET);
+    EXPECT_EQ(WSAGetLastError(), WSANOTINITIALISED);
+    {
+        const LoadedPlugin plugin;
+        const SOCKET opened = socket(AF_INET, SOCK_DGRAM, 0);
+        EXPECT_NE(opened, INVALID_SOCKET);
+        closesocket(opened);
+    }
+    EXPECT_EQ(socket(AF_INET, SOCK_DGRAM, 0), INVALID_SOCKET);
+}
+
+} // namespace

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "tests/Decoders.h"
+#include "tests/PluginHarness.h"
+
+/// A conversion as the host reports it, with real files and one fixture decoder for both.
+class ConversionTest : public testing::Test {
+protected:
+    ConversionTest() {
+        WriteTestFile(source, "source");
+        WriteTestFile(converted, "converted");
+        SetTimes(source, {2024, 3, 4, 7, 13, 5, 9, 0});
+        SetTimes(converted, {1999, 12, 5, 31, 23, 59, 59, 0});
+        library.decodes = {L".tst", L".OUT", L".wav"};
+        library.audioInfo.format.wFormatTag = 1;
+        library.audioInfo.format.nChannels = 2;
+        library.audioInfo.format.nSamplesPerSec = 44100;
+        library.audioInfo.format.wBitsPerSample = 16;
+        library.audioInfo.bitrate = 705;
+        library.audioInfo.length = 1234;
+        library.audioInfo.fileSize = 9;
+        library.idTags = TagBlob().Add(L"Title", L"Caf\x00E9 & more").Add(L"Artist", L"A\rB").Bytes();
+        library.properties = TagBlob().Add(L"Codec", L"Test").Bytes();
+        sourceInfo.format.nChannels = 1;
+        sourceInfo.format.nSamplesPerSec = 8000;
+        sourceInfo.format.wBitsPerSample = 8;
+        sourceInfo.bitrate = -7;
+        sourceInfo.length = INT64_MIN;
+        sourceInfo.fileSize = INT64_MAX;
+    }
+
+    static void SetTimes(const std::wstring& path, const SYSTEMTIME& written) {
+        const OwnedFile file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr));
+        FILETIME time = {};
+        SystemTimeToFileTime(&written, &time);
+        ULARGE_INTEGER ticks = {{time.dwLowDateTime, time.dwHighDateTime}};
+        ticks.QuadPart += 10'000'000ULL * 3600; // read an hour later
+        const FILETIME accessed = {ticks.LowPart, ticks.HighPart};
+        EXPECT_TRUE(SetFileTime(file.Get(), &time, &accessed, &time));
+    }
+
+    /// The creation time as the system keeps it; not every system keeps the one that was set.
+    static std::string Created(const std::wstring& path) {
+        WIN32_FILE_ATTRIBUTE_DATA data = {};
+        SYSTEMTIME time = {};
+        EXPECT_TRUE(GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data));
+        EXPECT_TRUE(FileTimeToSystemTime(&data.ftCreationTime, &time));
+        char text[32];
+        snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", time.wYear, time.wMonth, time.wDay,
+                 time.wHour, time.wMinute, time.wSecond);
+        return text;
+    }
+
+    AfterConversionInfo Info() {
+        AfterConversionInfo info = {};
+        info.sourceFileName = source.c_str();
+        info.destFileName = converted.c_str();
+        info.sourceAudioInfo = &sourceInfo;
+        info.destIDTags = tags.data();
+        info.destIDTagsSize = static_cast<uint32_t>(tags.size());
+        info.sourceAudioProperties = properties.data();
+        info.sourceAudioPropertiesSize = static_cast<uint32_t>(properties.size());
+        return info;
+    }
+
+    std::wstring Convert(const std::wstring& settings = L"") {
+        plugin.Convert(settings, Info());
+        return plugin.Trace();
+    }
+
+    static std::string Narrow(const std::wstring& ascii) { return std::string(ascii.begin(), ascii.end()); }
+
+    Decoders decoders;
+    FixtureBehaviour& library = decoders.Add(L"lib.dll");
+    PluginInstance plugin;
+    std::wstring folder = plugin.Folder().Path(L"");
+    std::wstring source = folder + L"in.tst";
+    std::wstring converted = folder + L"out.c.OUT";
+    std::wstring document = folder + L"out.c.xml";
+    AudioInfo sourceInfo = {};
+    std::vector<uint8_t> tags = TagBlob().Add(L"Artist", L"C\rD").Add(L"Cover", L"", {1, 2}).Bytes();
+    std::vector<uint8_t> properties = TagBlob().Add(L"Sample Rate", L"8000").Add(L"_x", L"hidden").Bytes();
+};

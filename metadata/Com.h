@@ -84,6 +84,7 @@ public:
         }
     }
     Bstr(Bstr&& other) noexcept : m_text(std::exchange(other.m_text, nullptr)) {}
+    Bstr& operator=(Bstr&&) = delete;
     Bstr(const Bstr&) = delete;
     Bstr& operator=(const Bstr&) = delete;
     ~Bstr() { SysFreeString(m_text); }

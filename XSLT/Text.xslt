@@ -1,0 +1,164 @@
+<?xml version="1.0" encoding="UTF-8"?>
+<!--
+    A plain-text report with aligned columns. File extension to set in the panel: .txt
+
+    Every value begins in the same column; a further value of a tag, or a further line of a value, stands
+    under the first. A name too long for its column has its value on the next line. Lines end with CR LF.
+-->
+<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+    <xsl:output method="text" encoding="UTF-8"/>
+    <xsl:strip-space elements="*"/>
+
+    <xsl:key name="entry" match="AudioProperties/* | IDTags/*" use="concat(generate-id(..), ' ', @name)"/>
+    <!-- Values of one tag stand side by side: only the first of such a run can be the first of its name. -->
+    <xsl:key name="run" match="AudioProperties/*[not(@name = preceding-sibling::*[1]/@name)]
+        | IDTags/*[not(@name = preceding-sibling::*[1]/@name)]" use="concat(generate-id(..), ' ', @name)"/>
+
+    <xsl:variable name="lineEnd" select="'&#13;&#10;'"/>
+    <xsl:variable name="blanks" select="'                                        '"/>
+    <!-- Room for the longest fixed label, more for longer names, but no more than the blanks have. -->
+    <xsl:variable name="longest">
+        <xsl:for-each select="/AudioMetadata/*/AudioProperties/* | /AudioMetadata/*/IDTags/*">
+            <xsl:sort select="string-length(@name)" data-type="number" order="descending"/>
+            <xsl:if test="position() = 1">
+                <xsl:value-of select="string-length(@name)"/>
+            </xsl:if>
+        </xsl:for-each>
+    </xsl:variable>
+    <xsl:variable name="width">
+        <xsl:choose>
+            <xsl:when test="$longest &gt; string-length($blanks) - 4">
+                <xsl:value-of select="string-length($blanks)"/>
+            </xsl:when>
+            <xsl:when test="$longest &gt; 18">
+                <xsl:value-of select="$longest + 4"/>
+            </xsl:when>
+            <xsl:otherwise>22</xsl:otherwise>
+        </xsl:choose>
+    </xsl:variable>
+    <xsl:variable name="newLine" select="concat($lineEnd, substring($blanks, 1, $width))"/>
+
+    <xsl:template match="/">
+        <xsl:for-each select="AudioMetadata/SourceFile">
+            <xsl:value-of select="concat('SOURCE FILE', $lineEnd, '===========', $lineEnd)"/>
+            <xsl:call-template name="file"/>
+        </xsl:for-each>
+        <xsl:for-each select="AudioMetadata/ConvertedFile">
+            <xsl:value-of select="concat($lineEnd, 'CONVERTED FILE', $lineEnd, '==============', $lineEnd)"/>
+            <xsl:call-template name="file"/>
+        </xsl:for-each>
+    </xsl:template>
+
+    <xsl:template name="file">
+        <xsl:apply-templates select="FileName | FileNamePath | FileSize | FileLength | FileBitrate
+            | FileCreated | FileModified | FileAccessed"/>
+        <xsl:value-of select="concat($lineEnd, 'Audio format', $lineEnd)"/>
+        <xsl:apply-templates select="AudioFormat/*"/>
+        <xsl:if test="AudioProperties/*">
+            <xsl:value-of select="concat($lineEnd, 'Audio properties', $lineEnd)"/>
+            <xsl:apply-templates select="AudioProperties"/>
+        </xsl:if>
+        <xsl:if test="IDTags/*">
+            <xsl:value-of select="concat($lineEnd, 'Tags', $lineEnd)"/>
+            <xsl:apply-templates select="IDTags"/>
+        </xsl:if>
+    </xsl:template>
+
+    <xsl:template match="AudioMetadata/*/*[starts-with(name(), 'File')] | AudioFormat/*">
+        <xsl:call-template name="label">
+            <xsl:with-param name="text">
+                <xsl:choose>
+                    <xsl:when test="self::FileName">Name</xsl:when>
+                    <xsl:when test="self::FileNamePath">Folder</xsl:when>
+                    <xsl:when test="self::FileSize">Size</xsl:when>
+                    <xsl:when test="self::FileLength">Length</xsl:when>
+                    <xsl:when test="self::FileBitrate">Bitrate</xsl:when>
+                    <xsl:when test="self::FileCreated">Created (UTC)</xsl:when>
+                    <xsl:when test="self::FileModified">Modified (UTC)</xsl:when>
+                    <xsl:when test="self::FileAccessed">Accessed (UTC)</xsl:when>
+                    <xsl:when test="self::Channels">Channels</xsl:when>
+                    <xsl:when test="self::SamplesPerSec">Samples per second</xsl:when>
+                    <xsl:when test="self::BitsPerSample">Bits per sample</xsl:when>
+                    <xsl:when test="self::AvgBytesPerSec">Bytes per second</xsl:when>
+                </xsl:choose>
+            </xsl:with-param>
+        </xsl:call-template>
+        <xsl:choose>
+            <xsl:when test=". = ''">-</xsl:when>
+            <xsl:when test="self::FileCreated or self::FileModified or self::FileAccessed">
+                <xsl:value-of select="translate(., 'T', ' ')"/>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:value-of select="."/>
+            </xsl:otherwise>
+        </xsl:choose>
+        <xsl:value-of select="$lineEnd"/>
+    </xsl:template>
+
+    <xsl:template match="AudioProperties | IDTags">
+        <xsl:variable name="list" select="concat(generate-id(), ' ')"/>
+        <xsl:for-each select="*[not(@name = preceding-sibling::*[1]/@name)][
+            generate-id() = generate-id(key('run', concat($list, @name))[1])]">
+            <xsl:call-template name="label">
+                <xsl:with-param name="text" select="@name"/>
+            </xsl:call-template>
+            <xsl:for-each select="key('entry', concat($list, @name))">
+                <xsl:if test="position() &gt; 1">
+                    <xsl:value-of select="$newLine"/>
+                </xsl:if>
+                <xsl:call-template name="lines">
+                    <xsl:with-param name="text" select="string()"/>
+                </xsl:call-template>
+            </xsl:for-each>
+            <xsl:value-of select="$lineEnd"/>
+        </xsl:for-each>
+    </xsl:template>
+
+    <!-- Writes the label and moves on to the column of the values. -->
+    <xsl:template name="label">
+        <xsl:param name="text"/>
+        <xsl:value-of select="concat('  ', $text)"/>
+        <xsl:choose>
+            <xsl:when test="string-length($text) &gt; $width - 4">
+                <xsl:value-of select="$newLine"/>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:value-of select="substring($blanks, 1, $width - 2 - string-length($text))"/>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
+
+    <!--
+        Writes text with every further line under the first, then clean as it stands. Splits near the middle,
+        so that the depth stays small for a long text, and only beside a line feed, so that a surrogate pair
+        is never cut.
+    -->
+    <xsl:template name="lines">
+        <xsl:param name="text"/>
+        <xsl:param name="clean"/>
+        <xsl:variable name="half" select="floor(string-length($text) div 2)"/>
+        <xsl:variable name="right" select="substring($text, $half + 1)"/>
+        <xsl:choose>
+            <xsl:when test="contains($right, '&#10;')">
+                <xsl:call-template name="lines">
+                    <xsl:with-param name="text"
+                        select="concat(substring($text, 1, $half), substring-before($right, '&#10;'))"/>
+                </xsl:call-template>
+                <xsl:value-of select="$newLine"/>
+                <xsl:call-template name="lines">
+                    <xsl:with-param name="text" select="substring-after($right, '&#10;')"/>
+                    <xsl:with-param name="clean" select="$clean"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:when test="contains($text, '&#10;')">
+                <xsl:call-template name="lines">
+                    <xsl:with-param name="text" select="substring($text, 1, $half)"/>
+                    <xsl:with-param name="clean" select="concat($right, $clean)"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:value-of select="concat($text, $clean)"/>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
+</xsl:stylesheet>

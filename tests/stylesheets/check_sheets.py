@@ -1,0 +1,293 @@
+#!/usr/bin/env python3
+"""Checks the shipped style sheets and the schema with the programs that read what they make.
+
+check_sheets.py --sheets DIR --work DIR               makes sample documents and transforms them with xsltproc
+check_sheets.py --sheets DIR --work DIR --produced DIR
+    checks what the plug-in made: NAME.xml and NAME.html, .txt, .json, .csv, .vc, .ffmeta for each document
+
+Ends with "N passed, N failed"; the exit status is 1 when something failed. Needs xsltproc, xmllint, flac,
+metaflac, ffmpeg and ffprobe.
+"""
+import argparse
+import csv
+import io
+import json
+import re
+import subprocess
+import sys
+import wave
+import xml.etree.ElementTree as ElementTree
+from collections import Counter
+from html.parser import HTMLParser
+from pathlib import Path
+
+sys.dont_write_bytecode = True  # leave nothing beside the sources
+from documents import FACTS, FORMAT, NUMBERS, entry_lines, samples
+
+SCHEMA = Path(__file__).resolve().parents[2] / "docs" / "AudioMetadata.xsd"
+METAFLAC_LINE = 65534  # bytes that metaflac takes in one line
+FLAC_NAMES = {"tracknumber": "track", "discnumber": "disc", "albumartist": "album_artist",
+              "description": "comment"}  # what ffmpeg calls these comments of a FLAC file
+
+
+class Results:
+    def __init__(self):
+        self.passed = self.failed = 0
+
+    def equal(self, label, got, want):
+        self.passed += got == want
+        self.failed += got != want
+        if got != want:
+            print(f"FAILED {label}\n  got  {got!r:.600}\n  want {want!r:.600}")
+
+
+def run(*command, stdin=b""):
+    return subprocess.run([str(part) for part in command], input=stdin, capture_output=True, timeout=120)
+
+
+class Content:
+    """What a document holds, as a parser sees it; text of blanks alone counts as empty."""
+
+    def __init__(self, xml):
+        def text(element):
+            return element.text if element.text and element.text.strip(" \t\n") else ""
+        self.facts, self.format, self.lists = {}, {}, {}
+        for side in ElementTree.fromstring(xml):
+            self.facts[side.tag] = {fact: text(side.find(fact)) for fact in FACTS}
+            self.format[side.tag] = {fact: text(side.find("AudioFormat/" + fact)) for fact in FORMAT}
+            self.lists[side.tag] = {name: [(entry.get("name"), text(entry)) for entry in side.find(name)]
+                                    for name in ("AudioProperties", "IDTags")}
+        self.tags = self.lists["ConvertedFile"]["IDTags"]
+
+
+def fold(name):
+    return re.sub("[A-Z]+", lambda letters: letters[0].lower(), name)
+
+
+def grouped(entries, key=lambda name: name):
+    groups = {}
+    for name, value in entries:
+        groups.setdefault(key(name), []).append(value)
+    return groups
+
+
+# What each format must hold, and the programs that read it.
+
+def check_json(results, label, data, content, _work):
+    def pairs(side):
+        for fact, value in content.facts[side].items():
+            yield fact, int(value) if fact in NUMBERS else value or None
+        properties, tags = ([(key, values if values[1:] else values[0])
+                             for key, values in grouped(entries).items()]
+                            for entries in content.lists[side].values())
+        yield "AudioProperties", properties
+        yield "AudioFormat", [(fact, int(value)) for fact, value in content.format[side].items()]
+        yield "IDTags", tags
+    results.equal(label, json.loads(data.decode(), object_pairs_hook=list),
+                  [(side, list(pairs(side))) for side in content.facts])
+
+
+def check_csv(results, label, data, content, _work):
+    names = {name: list(dict.fromkeys(key for side in content.lists.values() for key, _ in side[name]))
+             for name in ("AudioProperties", "IDTags")}
+    rows = [["File", *FACTS, *FORMAT, *(f"{name}/{key}" for name, keys in names.items() for key in keys)]]
+    for side in content.facts:
+        groups = {name: grouped(content.lists[side][name]) for name in names}
+        rows.append([side[:-4], *content.facts[side].values(), *content.format[side].values(),
+                     *("; ".join(groups[name].get(key, [])) for name, keys in names.items() for key in keys)])
+    csv.field_size_limit(10 ** 9)
+    results.equal(label, list(csv.reader(io.StringIO(data.decode(), newline=""), strict=True)), rows)
+    results.equal(label + " row ends", (data.count(b"\r\n"), data.count(b"\r"), data[-2:]), (3, 3, b"\r\n"))
+
+
+def check_text(results, label, data, content, _work):
+    text = data.decode()
+    column = len(re.search("^  Folder +", text, re.M)[0])
+    for side in content.lists:
+        for name, entries in content.lists[side].items():
+            want = [""]
+            for key, values in grouped(entries).items():
+                lines = [line for value in values for line in value.split("\n")]
+                want += ["  " + key] if len(key) + 4 > column else []
+                label_end = "" if len(key) + 4 > column else "  " + key
+                want += [label_end.ljust(column) + lines[0], *(" " * column + line for line in lines[1:])]
+            want = "\r\n".join([*want, ""])
+            results.equal(f"{label} {side} {name}", want if want in text else text, want)
+
+
+class Page(HTMLParser):
+    """Texts of the page by class, of the elements that leave the direction to the text."""
+
+    def __init__(self, text):
+        super().__init__()
+        self.open, self.texts, self.outside, self.shown = [], {}, [], ""
+        self.feed(text)
+        self.close()
+
+    def handle_starttag(self, tag, attrs):
+        attrs = dict(attrs)
+        self.outside += {"src", "href", "srcset", "data", "action"} & attrs.keys()
+        self.outside += {"script", "link", "iframe", "object"} & {tag}
+        into = self.texts.setdefault(attrs["class"].split()[0], []) if attrs.get("dir") == "auto" else []
+        into.append("")
+        if tag != "meta":
+            self.open.append((tag, into))
+
+    def handle_endtag(self, tag):
+        if not self.open or self.open.pop()[0] != tag:
+            raise ValueError(f"</{tag}> closes something else")
+
+    def handle_data(self, data):
+        if self.open:
+            self.open[-1][1][-1] += data
+        if self.open and self.open[-1][0] == "style":
+            self.outside += re.findall(r"url\(|@import", data)
+        else:
+            self.shown += data
+
+
+def check_html(results, label, data, content, _work):
+    page = Page(data.decode())
+    want = [value for side in content.lists.values() for entries in side.values() for _, value in entries]
+    want += [facts["FileNamePath"] for facts in content.facts.values() if facts["FileNamePath"]]
+    names = [facts["FileName"] for facts in content.facts.values() if facts["FileName"]]
+    results.equal(label + " values", Counter(page.texts.get("value", [])), Counter(want))
+    results.equal(label + " names", page.texts.get("name", []), names)
+    numbers = {fact[key] for fact in content.facts.values() for key in NUMBERS}
+    results.equal(label + " numbers", sorted(n for n in numbers if n not in page.shown.replace(",", "")), [])
+    results.equal(label + " structure", (page.open, page.outside, "NaN" in page.shown), ([], [], False))
+
+
+def check_vorbis(results, label, data, content, work):
+    want = [f"{name}={value}".replace("\n", " ") for name, value in content.tags
+            if re.fullmatch(r"[ -<>-}]*", name)]
+    lines = data.decode().split("\n")
+    results.equal(label, lines, want + [""])
+    short = [line for line in want if len(line.encode()) <= METAFLAC_LINE]
+    tagged, comments = work / "tagged.flac", work / "short.vc"
+    tagged.write_bytes((work / "tone.flac").read_bytes())
+    comments.write_bytes("".join(line + "\n" for line in lines if line in set(short)).encode())
+    run("metaflac", "--remove-all-tags", tagged)
+    results.equal(label + " import", run("metaflac", "--no-utf8-convert", f"--import-tags-from={comments}",
+                                         tagged).stderr, b"")
+    exported = run("metaflac", "--no-utf8-convert", "--export-tags-to=-", tagged).stdout.decode()
+    results.equal(label + " metaflac", exported.split("\n"), short + [""])
+
+
+def check_ffmetadata(results, label, data, content, work):
+    (work / "song.ffmeta").write_bytes(data)
+    made = run("ffmpeg", "-v", "error", "-y", "-i", work / "tone.flac", "-i", work / "song.ffmeta",
+               "-map_metadata", "1", "-codec", "copy", "-bitexact", work / "tagged.flac")
+    results.equal(label + " ffmpeg", (made.returncode, made.stderr), (0, b""))
+    shown = run("ffprobe", "-v", "error", "-show_entries", "format_tags", "-of", "json", work / "tagged.flac")
+    got = json.loads(shown.stdout)["format"].get("tags", {})
+    want = {FLAC_NAMES.get(name, name): "; ".join(values)
+            for name, values in grouped(content.tags, fold).items() if any(values) or values[1:]}
+    results.equal(label, {fold(name): value for name, value in got.items()}, want)
+
+
+SHEETS = {".json": ("Json.xslt", check_json), ".csv": ("Csv.xslt", check_csv),
+          ".txt": ("Text.xslt", check_text), ".html": ("Html.xslt", check_html),
+          ".vc": ("VorbisComments.xslt", check_vorbis),
+          ".ffmeta": ("FFMetadata.xslt", check_ffmetadata)}
+
+
+def check_outputs(results, name, xml, outputs, sheets, work):
+    """`xml` as the plug-in writes it without a style sheet; `outputs` by extension."""
+    content = Content(xml)
+    (work / "lines.xml").write_bytes(xml)
+    for ext, (sheet, check) in SHEETS.items():
+        data, label = outputs[ext], f"{name}{ext}"
+        other = run("xsltproc", sheets / sheet, work / "lines.xml")
+        # Reading a file changes its access time, and processors write the document type in two ways.
+        forms = [re.sub(rb"\d{4}-\d\d-\d\d[T ]\d\d:\d\d:\d\d|<!DOCTYPE[^>]*>\s*", b"", form)
+                 for form in (data, other.stdout)]
+        results.equal(label + " equals xsltproc's", (forms[0], other.stderr), (forms[1], b""))
+        try:
+            check(results, label, data, content, work)
+        except (ValueError, KeyError, csv.Error) as error:
+            results.equal(label + " is readable", repr(error), "")
+
+
+# The schema: what it takes is checked with every document; this is what it must refuse.
+
+REFUSED = [
+    ("order", r"(?s)(<FileName>.*?</FileName>)\s*(<FileNameNoExt>.*?</FileNameNoExt>)", r"\2\1"),
+    ("missing element", r"<FileBitrate>[^<]*</FileBitrate>", ""),
+    ("element twice", r"(<Channels>[^<]*</Channels>)", r"\1\1"),
+    ("third child", r"</AudioMetadata>", "<Extra/></AudioMetadata>"),
+    ("attribute", r"<IDTags>", '<IDTags name="x">'),
+    ("size beyond 64 bits", r"(<FileSize>)[^<]*", r"\g<1>9223372036854775808"),
+    ("bitrate beyond 32 bits", r"(<FileBitrate>)[^<]*", r"\g<1>2147483648"),
+    ("leading zero", r"(<FileLength>)[^<]*", r"\g<1>007"),
+    ("channels beyond 16 bits", r"(<Channels>)[^<]*", r"\g<1>65536"),
+    ("negative channels", r"(<Channels>)[^<]*", r"\g<1>-1"),
+    ("no bytes a second", r"(<AvgBytesPerSec>)[^<]*", r"\g<1>0"),
+    ("extension without its dot", r"(<FileNameExt>)[^<]*", r"\g<1>wav"),
+    ("time without seconds", r"(<FileCreated>[^<]*):\d\d<", r"\1<"),
+]
+REFUSED_ENTRIES = [
+    ("no name", r"<TITLE name=\"TITLE\">", "<TITLE>"),
+    ("second attribute", r"<TITLE name", '<TITLE lang="x" name'),
+    ("child element", r"<TITLE ([^>]*)>", r"<TITLE \1><b/>"),
+    ("name not the element's", r"name=\"TITLE\"", 'name="TITEL"'),
+    ("hidden property", r"<Encoding name=\"Encoding\">([^<]*)</Encoding>", r'<_E name="_E">\1</_E>'),
+]
+NOT_WELL_FORMED = ["1st", "-x", ".x", "a!b", "a=b", "a,b", "[x]", "( )", "a\tb", "a\x01"]
+
+
+def check_schema(results, documents, work):
+    rules = work / "entries.sch"
+    embedded = ElementTree.parse(SCHEMA).find(".//{http://purl.oclc.org/dsdl/schematron}schema")
+    ElementTree.ElementTree(embedded).write(rules)
+
+    def verdict(option, schema, xml):
+        return run("xmllint", "--noout", "--huge", option, schema, "-", stdin=xml).returncode
+    for name, xml in documents.items():
+        verdicts = verdict("--schema", SCHEMA, xml), verdict("--schematron", rules, xml)
+        results.equal(f"{name}.xml", verdicts, (0, 0))
+    speech = samples()["speech"]
+    for cases, option, schema in ((REFUSED, "--schema", SCHEMA), (REFUSED_ENTRIES, "--schematron", rules)):
+        for label, pattern, replacement in cases:
+            xml, changes = re.subn(pattern, replacement, speech, count=1)
+            results.equal(f"refused: {label}", (changes, verdict(option, schema, xml.encode())), (1, 3))
+    for name in NOT_WELL_FORMED:
+        xml = speech.replace("</IDTags>", next(entry_lines([(name, "x")])) + "</IDTags>")
+        results.equal(f"not well-formed: {name!r}", verdict("--schema", SCHEMA, xml.encode()), 1)
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Checks style sheets and schema; see the head of this file.")
+    for option in ("--sheets", "--work", "--produced"):
+        parser.add_argument(option, type=Path, metavar="DIR", required=option != "--produced")
+    args = parser.parse_args()
+    args.work.mkdir(parents=True, exist_ok=True)
+    with wave.open(str(args.work / "tone.wav"), "wb") as tone:
+        tone.setparams((1, 2, 8000, 0, "NONE", ""))
+        tone.writeframes(bytes(16000))
+    run("flac", "-s", "-f", "-o", args.work / "tone.flac", args.work / "tone.wav").check_returncode()
+
+    results, documents = Results(), {}
+    if args.produced:
+        for path in sorted(args.produced.glob("*.xml")):
+            documents[path.stem] = path.read_bytes()
+            outputs = {ext: path.with_suffix(ext).read_bytes() for ext in SHEETS}
+            check_outputs(results, path.stem, documents[path.stem], outputs, args.sheets, args.work)
+        results.equal("documents found", bool(documents), True)
+    else:
+        for name, text in samples().items():
+            documents[name] = text.encode()
+            joined = args.work / f"{name}.xml"  # as the transformation gets it: one line
+            joined.write_bytes(documents[name].replace(b"\r\n", b""))
+            outputs = {}
+            for ext, (sheet, _) in SHEETS.items():
+                outputs[ext] = run("xsltproc", args.sheets / sheet, joined).stdout
+                (args.work / f"{name}{ext}").write_bytes(outputs[ext])
+            check_outputs(results, name, documents[name], outputs, args.sheets, args.work)
+    check_schema(results, documents, args.work)
+    print(f"{results.passed} passed, {results.failed} failed")
+    return 1 if results.failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

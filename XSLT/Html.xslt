@@ -47,7 +47,7 @@ body { margin: 0; background: var(--page); color: var(--ink);
 main { max-width: 68rem; margin: 0 auto; padding: 2rem 1.25rem 3rem; }
 h1 { margin: 0 0 1rem; font-size: .8rem; font-weight: 600; letter-spacing: .12em;
     text-transform: uppercase; color: var(--soft); }
-h2 { margin: 0; padding: 1.4rem 1.25rem .5rem; font-size: 1.05rem; font-weight: 600; }
+h2 { margin: 0; font-size: 1.05rem; font-weight: 600; }
 .files { display: grid; grid-template-columns: 1fr auto 1fr; gap: 1rem; align-items: stretch; }
 .file, section { background: var(--sheet); border: 1px solid var(--line); border-radius: 10px; }
 .file { padding: 1rem 1.25rem; min-width: 0; }
@@ -65,9 +65,10 @@ section { margin-top: 1rem; overflow: hidden; }
 table { width: 100%; border-collapse: collapse; table-layout: fixed; }
 th, td { padding: .45rem 1.25rem; border-top: 1px solid var(--line); text-align: start;
     vertical-align: top; overflow-wrap: anywhere; }
-thead th { border-top: 0; padding-top: 0; color: var(--soft); font-size: .8rem; font-weight: 600; }
-tbody th { width: 24%; color: var(--soft); font-weight: 500; }
-thead td { width: 24%; border-top: 0; padding-top: 0; }
+thead th, thead td { border-top: 0; padding-top: .9rem; vertical-align: baseline; }
+thead th { color: var(--soft); font-size: .8rem; font-weight: 600; }
+thead td { width: 26%; }
+tbody th { color: var(--soft); font-weight: 500; }
 td { font-variant-numeric: tabular-nums; }
 td.none { color: var(--soft); }
 .value { white-space: pre-wrap; text-align: start; }
@@ -82,7 +83,6 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
     .files { grid-template-columns: 1fr; }
     .arrow { justify-self: center; transform: rotate(90deg); line-height: 1; }
     th, td { padding: .4rem .6rem; }
-    h2 { padding-left: .6rem; }
 }
 @media print {
     :root { --page: #fff; --sheet: #fff; --ink: #000; --soft: #444; --line: #bbb;
@@ -91,8 +91,7 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
     main { max-width: none; padding: 0; }
     section { overflow: visible; }
     .long { max-height: none; overflow: visible; }
-    h2 { break-after: avoid; }
-    thead { display: table-header-group; }
+    thead { break-after: avoid; }
     .file { break-inside: avoid; }
 }
 </style>
@@ -167,13 +166,14 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         <xsl:param name="rows"/>
         <xsl:if test="$rows">
             <section>
-                <h2>
-                    <xsl:value-of select="$heading"/>
-                </h2>
                 <table>
                     <thead>
                         <tr>
-                            <td/>
+                            <td>
+                                <h2>
+                                    <xsl:value-of select="$heading"/>
+                                </h2>
+                            </td>
                             <th scope="col">Source</th>
                             <th scope="col">Converted</th>
                         </tr>

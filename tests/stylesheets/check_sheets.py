@@ -40,7 +40,7 @@ class Results:
         self.failed += got != want
         if got != want:
             start = max(0, len(os.path.commonprefix([repr(got), repr(want)])) - 60)
-            print(f"FAILED {label}\n  got  {repr(got)[start:start + 300]}\n  want {repr(want)[start:start + 300]}")
+            print(f"FAILED {label}\n  got  {repr(got)[start:][:300]}\n  want {repr(want)[start:][:300]}")
 
 
 def run(*command, stdin=b""):
@@ -201,7 +201,7 @@ def check_outputs(results, name, xml, outputs, sheets, work):
     for ext, (sheet, check) in SHEETS.items():
         data, label = outputs[ext], f"{name}{ext}"
         other = run("xsltproc", sheets / sheet, work / "lines.xml")
-        # Reading a file changes its access time; processors differ in the document type and the last line end.
+        # Reading a file changes its access time; processors differ in document type and last line end.
         forms = [re.sub(rb"\d{4}-\d\d-\d\d[T ]\d\d:\d\d:\d\d|<!DOCTYPE[^>]*>\s*|(?<=</html>)\n$", b"", form)
                  for form in (data, other.stdout)]
         results.equal(label + " equals xsltproc's", (forms[0], other.stderr), (forms[1], b""))

@@ -9,13 +9,13 @@
     (each option begins with two hyphens, which a comment here cannot hold). Every value of a tag that has
     several is a line of its own. The format has no escapes, so a line break inside a value becomes a space,
     and a tag is left out when its name holds what a comment's name must not: "=", "~", or anything but
-    printable ASCII. metaflac may refuse a line of 64 KB or more.
+    printable ASCII. metaflac 1.4 takes nothing from a file in which a line has 65,535 bytes or more.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
     <xsl:output method="text" encoding="UTF-8"/>
     <xsl:strip-space elements="*"/>
 
-    <!-- The quotes are entities: one of them would end the attribute, the other the string. -->
+    <!-- A string in apostrophes cannot hold one, hence the variable. -->
     <xsl:variable name="apostrophe">'</xsl:variable>
     <xsl:variable name="allowed" select="concat($apostrophe, ' !&quot;#$%&amp;()*+,-./0123456789:;&lt;&gt;?@',
         'ABCDEFGHIJKLMNOPQRSTUVWXYZ[\]^_`abcdefghijklmnopqrstuvwxyz{|}')"/>

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Prints how long documents take by number of tags, size of values and style sheet.
+
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git googletest wine wine64
+
+build mingw-release WriteMetadataFile bench
+start_wine wine
+
+cd "$root/build/mingw-release"
+timeout 600 wine bench/bench.exe dist\\WriteMetadataFile.dll dist\\XSLT\\{Html,Text,Json,Csv,VorbisComments,FFMetadata}.xslt

@@ -1,0 +1,106 @@
+#include "tools/host/Conversion.h"
+
+#include "tools/decoders/WaveFile.h"
+#include "tools/host/Console.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+constexpr uint64_t kBlockSize = 65536;
+
+int64_t Ticks() noexcept {
+    LARGE_INTEGER ticks = {};
+    QueryPerformanceCounter(&ticks);
+    return ticks.QuadPart;
+}
+
+Section AudioOf(BoundedFile& file) {
+    Section audio(file);
+    WaveFile wave;
+    if (ReadWaveFile(file, wave)) {
+        audio.Skip(wave.audioOffset);
+        audio = audio.Take(wave.audioSize);
+    }
+    return audio;
+}
+
+} // namespace
+
+bool Conversion::HasSourceFile() const noexcept {
+    return Compare(m_options.source.Text(), L"-") != 0;
+}
+
+bool Conversion::GatherFacts() {
+    const bool hasSource =
+        !HasSourceFile() || ReadFileFacts(m_options.source, kOpenAudioInfo | kOpenAudioProperties, m_source);
+    const bool hasConverted = ReadFileFacts(m_options.converted, kOpenIDTags, m_converted);
+    return hasSource && hasConverted;
+}
+
+template<class Call>
+bool Conversion::Timed(const wchar_t* name, Call call) {
+    const int64_t start = Ticks();
+    const int32_t result = call();
+    m_ticks += Ticks() - start;
+    if (result != 1) {
+        PrintError(Concat(L"The plug-in answers ", XString::FromInt64(result), L" to ", name));
+    }
+    return result == 1;
+}
+
+bool Conversion::PassAudio(const PluginInstance& instance) {
+    BoundedFile file;
+    if (!file.Open(m_options.source.Text())) {
+        PrintError(Concat(L"Cannot open ", m_options.source));
+        return false;
+    }
+    Section audio = AudioOf(file);
+    std::vector<uint8_t> block;
+    while (audio.Left() != 0) {
+        if (!audio.ReadBytes(block, std::min(kBlockSize, audio.Left()))) {
+            PrintError(Concat(L"Cannot read ", m_options.source));
+            return false;
+        }
+        std::vector<uint8_t> passed = block;
+        const uint32_t size = static_cast<uint32_t>(passed.size());
+        if (!Timed(L"DSP_PassAudioBlock",
+                   [&] { return instance.Plugin().passAudioBlock(instance.Get(), passed.data(), size); })) {
+            return false;
+        }
+        if (passed != block) {
+            PrintError(XString(L"The plug-in changed the audio"));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Conversion::Run(const PluginInstance& instance) {
+    const PluginLibrary& plugin = instance.Plugin();
+    bool done = Timed(L"DSP_BeginConversion", [&] {
+        return plugin.beginConversion(instance.Get(), nullptr, m_options.settings.Text(), nullptr);
+    });
+    if (HasSourceFile()) {
+        done = PassAudio(instance) && done;
+    }
+    done = Timed(L"DSP_EndConversion", [&] { return plugin.endConversion(instance.Get()); }) && done;
+
+    AfterConversionInfo info = {};
+    info.sourceFileName = m_options.source.Text();
+    info.destFileName = m_options.converted.Text();
+    info.sourceAudioInfo = &m_source.audioInfo;
+    info.destIDTags = m_converted.idTags.Data();
+    info.destIDTagsSize = m_converted.idTags.Size();
+    info.sourceAudioProperties = m_source.audioProperties.Data();
+    info.sourceAudioPropertiesSize = m_source.audioProperties.Size();
+    return Timed(L"DSP_AfterConversion", [&] { return plugin.afterConversion(instance.Get(), &info); }) &&
+           done;
+}
+
+double Conversion::Milliseconds() const noexcept {
+    LARGE_INTEGER frequency = {};
+    QueryPerformanceFrequency(&frequency);
+    return 1000.0 * static_cast<double>(m_ticks) / static_cast<double>(frequency.QuadPart);
+}

@@ -1,0 +1,134 @@
+#include "tools/host/Options.h"
+
+#include "support/Owner.h"
+#include "support/ProgramFolder.h"
+#include "tools/host/Console.h"
+
+#include <shellapi.h>
+
+#include <memory>
+
+const wchar_t* const kHelp =
+    LR"(Usage: dsphost [--plugin DLL] [--settings TEXT] [--trace FILE] [--errors FILE] [--repeat N] SOURCE CONVERTED
+
+Stands in for the converter: loads the plug-in and drives it through the conversion of SOURCE, which may be "-"
+for none on disk, into CONVERTED, which must have been converted before. What the converter reports about the
+two files comes from the decoder libraries in the folder "decoder" beside this program.
+
+  --plugin DLL     the plug-in; else ..\dist\WriteMetadataFile.dll from the folder of this program
+  --settings TEXT  settings for the plug-in, such as  -ext=".txt" -xsltfile="C:\style sheets\a.xsl"
+  --trace FILE     write the plug-in's trace to FILE (UTF-16)
+  --errors FILE    write the plug-in's error lines to FILE, too (UTF-16)
+  --repeat N       convert N times with one instance of the plug-in and tell the time, memory and handles it took
+  --help           show this text
+
+Exit status: 0 when a document was written, 1 when something failed or the plug-in reported an error, 2 when the
+arguments are wrong.)";
+
+namespace {
+
+constexpr uint32_t kMostRepeats = 1000000;
+
+struct LocalTraits {
+    using Type = wchar_t**;
+    static Type None() noexcept { return nullptr; }
+    static void Release(Type memory) noexcept { LocalFree(memory); }
+};
+
+constexpr struct {
+    const wchar_t* name;
+    XString Options::*value;
+} kTextOptions[] = {
+    {L"--plugin", &Options::plugin},
+    {L"--settings", &Options::settings},
+    {L"--trace", &Options::traceFile},
+    {L"--errors", &Options::errorFile},
+};
+
+bool IsEqual(const XString& a, const wchar_t* b) {
+    return Compare(a.Text(), b) == 0;
+}
+
+/// The place of an option's text value, or null for other arguments.
+XString* FindTextOption(const XString& argument, Options& options) {
+    for (const auto& option : kTextOptions) {
+        if (IsEqual(argument, option.name)) {
+            return &(options.*option.value);
+        }
+    }
+    return nullptr;
+}
+
+bool ParseRepeat(const XString& text, uint32_t& repeat) {
+    repeat = 0;
+    for (size_t pos = 1; pos <= text.Size(); ++pos) {
+        const wchar_t unit = text.At(pos);
+        if (unit < L'0' || unit > L'9' || repeat > kMostRepeats) {
+            return false;
+        }
+        repeat = repeat * 10 + static_cast<uint32_t>(unit - L'0');
+    }
+    return repeat >= 1 && repeat <= kMostRepeats;
+}
+
+/// The plug-in must get whole paths. An empty path, "-" and what the system refuses stay as they are.
+void MakeAbsolute(XString& path) {
+    if (path.IsEmpty() || IsEqual(path, L"-")) {
+        return;
+    }
+    const DWORD length = GetFullPathNameW(path.Text(), 0, nullptr, nullptr);
+    const auto buffer = std::make_unique<wchar_t[]>(size_t{length} + 1);
+    if (GetFullPathNameW(path.Text(), length, buffer.get(), nullptr) < length) {
+        path.Assign(buffer.get());
+    }
+}
+
+} // namespace
+
+XStringList CommandLineArguments() {
+    int count = 0;
+    const Owner<LocalTraits> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
+    XStringList list;
+    for (int i = 1; arguments.IsValid() && i < count; ++i) {
+        list.Add(arguments.Get()[i]);
+    }
+    return list;
+}
+
+XString ParseArguments(const XStringList& arguments, Options& options) {
+    size_t fileCount = 0;
+    for (size_t i = 0; i < arguments.Count(); ++i) {
+        const XString& argument = arguments[i];
+        XString* const textValue = FindTextOption(argument, options);
+        const bool isRepeat = IsEqual(argument, L"--repeat");
+        if (IsEqual(argument, L"--help")) {
+            options.help = true;
+            return XString();
+        }
+        if (textValue != nullptr || isRepeat) {
+            if (++i == arguments.Count()) {
+                return Concat(argument, L" needs a value");
+            }
+            if (textValue != nullptr) {
+                textValue->Assign(arguments[i].Text());
+            } else if (!ParseRepeat(arguments[i], options.repeat)) {
+                return Concat(argument, L" needs a number from 1 to ", XString::FromInt64(kMostRepeats));
+            }
+        } else if (argument.At(1) == L'-' && argument.Size() > 1) {
+            return Concat(L"unknown option ", argument);
+        } else if (++fileCount <= 2) {
+            (fileCount == 1 ? options.source : options.converted).Assign(argument.Text());
+        }
+    }
+    if (fileCount != 2) {
+        return XString(L"one SOURCE and one CONVERTED file are needed");
+    }
+    if (options.plugin.IsEmpty()) {
+        options.plugin = Concat(ModuleFolder(nullptr), L"..\\dist\\WriteMetadataFile.dll");
+    }
+    for (XString* path :
+         {&options.plugin, &options.traceFile, &options.errorFile, &options.source, &options.converted}) {
+        MakeAbsolute(*path);
+    }
+    return XString();
+}

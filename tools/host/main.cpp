@@ -1,0 +1,102 @@
+#include "support/Paths.h"
+#include "tools/host/Console.h"
+#include "tools/host/Conversion.h"
+#include "tools/host/DocumentFile.h"
+#include "tools/host/LogFiles.h"
+#include "tools/host/Options.h"
+#include "tools/host/ProcessUse.h"
+
+#include <cwchar>
+#include <string>
+#include <string_view>
+
+namespace {
+
+enum ExitStatus { kDone = 0, kFailed = 1, kWrongArguments = 2 };
+
+bool LoadPlugin(PluginLibrary& plugin, const XString& path) {
+    if (plugin.Load(path.Text())) {
+        return true;
+    }
+    const XString error = XString::FromInt64(GetLastError());
+    if (plugin.MissingExport() == nullptr) {
+        PrintError(Concat(L"Cannot load ", path, L" (error ", error, L")"));
+    } else {
+        const std::string_view name = plugin.MissingExport();
+        PrintError(Concat(path, L" does not export ", std::wstring(name.begin(), name.end()).c_str()));
+    }
+    return false;
+}
+
+void PrintTiming(const Options& options, const Conversion& conversion, const ProcessUse& first) {
+    const ProcessUse last = ProcessUse::Now();
+    wchar_t text[160];
+    std::swprintf(text, std::size(text),
+                  L"%u conversions, each %.3f ms in the plug-in; from first to last: memory %llu to %llu KB, "
+                  L"handles %lu to %lu",
+                  options.repeat, conversion.Milliseconds() / options.repeat,
+                  static_cast<unsigned long long>(first.privateBytes / 1024),
+                  static_cast<unsigned long long>(last.privateBytes / 1024), first.handles, last.handles);
+    PrintLine(XString(text));
+}
+
+bool Convert(const PluginInstance& instance, const Options& options) {
+    Conversion conversion(options);
+    const bool hasFacts = conversion.GatherFacts();
+    const DocumentFile document(options);
+    bool done = conversion.Run(instance);
+    const ProcessUse afterFirst = ProcessUse::Now();
+    for (uint32_t i = 1; done && i < options.repeat; ++i) {
+        done = conversion.Run(instance);
+    }
+    const int64_t size = document.WrittenSize();
+    if (size < 0) {
+        PrintError(Concat(L"The plug-in did not write ", document.Path()));
+        return false;
+    }
+    PrintLine(Concat(GetFileName(options.converted), L": ", document.Path(), L", ", XString::FromInt64(size),
+                     L" bytes"));
+    if (options.repeat > 1) {
+        PrintTiming(options, conversion, afterFirst);
+    }
+    return hasFacts && done;
+}
+
+ExitStatus Run(const Options& options) {
+    PluginLibrary plugin;
+    LogFiles logs;
+    if (!LoadPlugin(plugin, options.plugin) || !logs.Create(options)) {
+        return kFailed;
+    }
+    bool done = true;
+    {
+        const PluginInstance instance(plugin, {logs.ErrorHandle(), nullptr, logs.TraceHandle()});
+        if (plugin.get(instance.Get(), L"IsLive") != 1) {
+            PrintError(XString(L"The plug-in does not take part in live conversions"));
+            done = false;
+        }
+        done = Convert(instance, options) && done;
+    }
+    const XString errors = logs.ReadErrors();
+    if (!errors.IsEmpty()) {
+        PrintError(Concat(L"The plug-in reports:\n", errors));
+        done = false;
+    }
+    return done ? kDone : kFailed;
+}
+
+} // namespace
+
+int main() {
+    Options options;
+    const XString problem = ParseArguments(CommandLineArguments(), options);
+    if (!problem.IsEmpty()) {
+        PrintError(Concat(L"dsphost: ", problem, L" (--help tells more)"));
+        return kWrongArguments;
+    }
+    if (options.help) {
+        PrintLine(XString(kHelp));
+        return kDone;
+    }
+    return Run(options);
+}

@@ -170,9 +170,9 @@ Bytes Format(int tag, int channels, int rate, int bits, const Bytes& extension =
                              extension);
 }
 
-/// cbSize 22, valid bits, front left and right, and the sub-format of a plain tag.
-Bytes Extension(uint8_t subFormat) {
-    return Little(22, 2) + Little(16, 2) + Little(3) + Bytes{subFormat} +
+/// cbSize, valid bits, front left and right, and the sub-format of a plain tag.
+Bytes Extension(uint8_t subFormat, size_t cbSize = 22) {
+    return Little(cbSize, 2) + Little(16, 2) + Little(3) + Bytes{subFormat} +
            Bytes{0, 0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
 }
 
@@ -203,6 +203,8 @@ TEST(SampleDecoders, WaveFormatsAndLengths) {
          {"extension shorter than it says",
           Wave(Format(0xFFFE, 1, 8000, 8, Little(22, 2) + Bytes(3)) + Bytes(1)),
           L"65534 3 1 8000 8 1 8000 64 0\nEncoding=0xfffe\n"},
+         {"extension that the format does not count", Wave(Format(0xFFFE, 1, 8000, 8, Extension(1, 0))),
+          L"65534 0 1 8000 8 1 8000 64 0\nEncoding=0xfffe\n"},
          {"no byte rate", Wave(Format(0x55, 0, 0, 0) + Chunk("data", Bytes(8))),
           L"85 0 0 0 0 0 0 0 0\nEncoding=MPEG Layer 3\n"},
          {"odd chunk first, second format and data",
@@ -289,6 +291,7 @@ std::wstring FlacWithTags(const std::wstring& tags) {
 
 TEST(SampleDecoders, FlacFormatsAndTags) {
     const Bytes md5 = Bytes(15) + Bytes{0xAB};
+    const std::string large(70000, 'x');
     const Bytes unknown = StreamInfo(655350, 8, 32, 0, md5); // length not known, largest rate and channels
     CheckCases(
         Library(L"flac.dll"),
@@ -318,9 +321,16 @@ TEST(SampleDecoders, FlacFormatsAndTags) {
           Flac(Block(4, Counted("maker 1") + Little(0xFFFFFFFF) + Counted("a=1") + Little(0x7FFFFFFF) +
                             Text("b=2"))),
           FlacWithTags(L"a=1")},
+         {"comment that is not counted",
+          Flac(Block(4, Counted("maker 1") + Little(1) + Counted("a=1") + Counted("b=2"))),
+          FlacWithTags(L"a=1")},
+         {"blocks far apart and large",
+          Flac(Block(1, Bytes(70000)) + Comments({"a=1"}) + Picture("m", "", large.size(), large)),
+          FlacWithTags(L"a=1 | Picture=m #" + std::wstring(large.begin(), large.end()))},
          {"vendor larger than its block", Flac(Block(4, Little(0xFFFFFFFF) + Text("maker"))),
           L"1 0 2 8000 12 4 32000 40 100\n" + kFlacProperties},
-         {"stream info not first", Text("fLaC") + Comments({}) + StreamInfo(8000, 1, 8, 1, md5), L"no"},
+         {"stream info not first",
+          Text("fLaC") + Comments({"a=a comment of some length"}) + StreamInfo(8000, 1, 8, 1, md5), L"no"},
          {"stream info too short", Text("fLaC") + Block(0, Bytes(33), true) + Bytes(100), L"no"},
          {"other file", Text("OggS") + StreamInfo(8000, 1, 8, 1, md5), L"no"}});
 }

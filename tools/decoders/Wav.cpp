@@ -106,7 +106,6 @@ void AddInfoTags(Section list, TagListBuilder& tags) {
         const std::wstring name = InfoName(id);
         std::string text;
         if (!name.empty() && entry.ReadText(text, entry.Left())) {
-            text.resize(std::min(text.find('\0'), text.size())); // padding may follow the terminator
             tags.Add(name, FromUtf8OrAnsi(text));
         }
     }

@@ -1,0 +1,91 @@
+# Functions that the scripts of this folder share; to be sourced.
+
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# Tags, file names and messages are UTF-8 whatever the user's locale.
+export LC_ALL=C.UTF-8
+
+fail() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+    exit 1
+}
+
+# at_exit COMMAND: runs COMMAND when the script ends, the last one given first.
+exit_commands=()
+at_exit() {
+    exit_commands=("$1" "${exit_commands[@]}")
+}
+run_exit_commands() {
+    local command
+    for command in "${exit_commands[@]}"; do
+        eval "$command"
+    done
+}
+trap run_exit_commands EXIT
+
+# install_packages PACKAGE…: installs those that are missing. Only root can; others are told what to do.
+install_packages() {
+    local package missing=()
+    for package; do
+        if [[ $(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) != installed ]]; then
+            missing+=("$package")
+        fi
+    done
+    if ((${#missing[@]} == 0)); then
+        return
+    fi
+    if ((EUID != 0)); then
+        fail "packages are missing; as root: apt-get install --no-install-recommends ${missing[*]}"
+    fi
+    echo "Installing ${missing[*]}"
+    apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build PRESET [TARGET…]: configures and builds; shows the build's output only when it fails.
+build() {
+    local preset=$1 log=$root/build/$1.log
+    shift
+    echo "Building $preset"
+    mkdir -p "$root/build"
+    if ! (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset" -j "$(nproc)" \
+        ${1+--target "$@"}) >"$log" 2>&1; then
+        cat "$log" >&2
+        fail "the build failed"
+    fi
+}
+
+# start_wine FOLDER: makes the Wine prefix in build/FOLDER, once, and keeps a server for it running until the
+# script ends.
+start_wine() {
+    export WINEPREFIX=$root/build/$1 WINEDEBUG=-all
+    at_exit 'wineserver -k || true'
+    if [[ ! -e $WINEPREFIX/prepared ]]; then
+        echo "Preparing Wine"
+        rm -rf "$WINEPREFIX"
+        mkdir -p "$WINEPREFIX"
+        # Without the two modules nothing asks to be downloaded.
+        WINEDLLOVERRIDES='mscoree,mshtml=' timeout 300 wineboot -i </dev/null >/dev/null 2>&1 ||
+            fail "Wine cannot make its prefix $WINEPREFIX"
+        # A program that crashes ends, instead of waiting for a debugger.
+        run_wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /t REG_SZ /d '' /f \
+            </dev/null >/dev/null 2>&1
+        wineserver -k # writes the registry to disk
+        touch "$WINEPREFIX/prepared"
+    fi
+    # Wine's services inherit what is open when they start, so they start with nothing that anyone waits for.
+    wineserver -p </dev/null >/dev/null 2>&1
+    run_wine cmd /c exit </dev/null >/dev/null 2>&1
+}
+
+# run_wine PROGRAM [ARGUMENT…]
+run_wine() {
+    timeout 60 wine "$@"
+}
+
+# windows_path PATH: an absolute path as programs under Wine see it.
+windows_path() {
+    printf 'Z:%s' "${1//\//\\}"
+}

@@ -1,0 +1,66 @@
+#!/bin/bash
+# Shows the plug-in at work: converts recordings to FLAC and has the plug-in write a metadata document for each.
+#
+#   scripts/demo.sh [WAV…]
+#
+# Without arguments it takes the speech recordings of Debian's alsa-utils.
+
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+recordings=()
+for file; do
+    recordings+=("$(realpath -e -- "$file")")
+done
+
+install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
+    wine wine64 flac alsa-utils libxml2-utils
+
+if ((${#recordings[@]} == 0)); then
+    recordings=(/usr/share/sounds/alsa/*.wav)
+fi
+
+build mingw-release WriteMetadataFile dsphost wav flac
+start_wine wine
+
+demo=$root/build/demo
+dsphost=$root/build/mingw-release/tools/dsphost.exe
+rm -rf "$demo"
+mkdir -p "$demo"
+
+# convert WAV FLAC TITLE: as the converter would, with tags that put the plug-in to the test.
+convert() {
+    flac --silent --no-preserve-modtime --output-name "$2" \
+        --tag "TITLE=$3" --tag "ARTIST=Zoë Ångström" --tag "ARTIST=Łukasz & Żaneta" --tag "ALBUM=Loudspeakers" \
+        --picture "$root/tests/data/cover.png" -- "$1"
+}
+
+# check DOCUMENT TITLE: a parser accepts the document, and what was tagged is in it.
+check() {
+    local schema=$root/docs/AudioMetadata.xsd report
+    xmllint --noout "$1"
+    if [[ -e $schema ]]; then
+        report=$(xmllint --noout --schema "$schema" "$1" 2>&1) || fail "$report"
+    fi
+    local tags='/AudioMetadata/ConvertedFile/IDTags'
+    [[ $(xmllint --xpath "string($tags/TITLE)" "$1") == "$2" ]] || fail "the title is missing in $1"
+    [[ $(xmllint --xpath "count($tags/ARTIST)" "$1") == 2 ]] || fail "an artist is missing in $1"
+}
+
+count=0
+for wav in "${recordings[@]}"; do
+    name=$(basename "${wav%.*}")
+    title="Hörprobe „${name//_/ }“"
+    converted=$demo/$name.flac
+    document=$demo/$name.xml
+    [[ ! -e $converted ]] || fail "two recordings are named $name"
+
+    convert "$wav" "$converted" "$title"
+    printf '[%d/%d] ' $((++count)) ${#recordings[@]}
+    run_wine "$dsphost" "$(windows_path "$wav")" "$(windows_path "$converted")" </dev/null
+    check "$document" "$title"
+done
+
+printf '\n%s\n\n' "$document"
+tr -d '\r' <"$document"
+
+printf '\n%d documents, each accepted by xmllint, lie beside their FLAC files in\n%s\n' "$count" "$demo"

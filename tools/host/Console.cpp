@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -12,7 +13,10 @@ void Print(DWORD stream, const XString& text) {
     SetConsoleOutputCP(CP_UTF8);
     std::string line;
     AppendUtf8(line, text);
-    line += '\n';
+    line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
+    if (line.empty() || line.back() != '\n') {
+        line += '\n';
+    }
     DWORD written = 0;
     WriteFile(GetStdHandle(stream), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
 }

@@ -2,7 +2,8 @@
 
 #include "support/XString.h"
 
-// Output of the program in UTF-8, each line ended by LF, so that it reads well in terminals of either system.
+// Output of the program in UTF-8 with lines ended by LF alone, so that it reads well in terminals of either
+// system. A last line end is added where there is none.
 
 /// All pieces, zero-terminated texts and XStrings, one after the other.
 template<class... Pieces>
@@ -12,8 +13,8 @@ XString Concat(const Pieces&... pieces) {
     return text;
 }
 
-/// Writes one line to the standard output.
+/// Writes to the standard output.
 void PrintLine(const XString& text);
 
-/// Writes one line to the standard error output.
+/// Writes to the standard error output.
 void PrintError(const XString& text);

@@ -34,7 +34,7 @@ public:
     int32_t (*set)(Instance instance, const wchar_t* key) = nullptr;
 
     // The settings panel; both are null in a library without one.
-    HWND (*showConfigBit)
+    HWND(*showConfigBit)
     (Instance instance, HWND parent, int32_t x, int32_t y, const wchar_t* settings) = nullptr;
     const wchar_t* (*removeConfigBit)(Instance instance, int64_t mode) = nullptr;
 

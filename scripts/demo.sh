@@ -1,11 +1,11 @@
-#!/bin/bash
+#!/usr/bin/env bash
 # Shows the plug-in at work: converts recordings to FLAC and has the plug-in write a metadata document for each.
 #
 #   scripts/demo.sh [WAV…]
 #
 # Without arguments it takes the speech recordings of Debian's alsa-utils.
 
-. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 recordings=()
 for file; do

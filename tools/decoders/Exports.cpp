@@ -59,8 +59,8 @@ void Destroy(void* instance) {
     delete static_cast<Decoder*>(instance);
 }
 
-int32_t Get(void* instance, const wchar_t* key, DecoderGetRecord* record) {
-    if (instance == nullptr || key == nullptr || record == nullptr || Compare(key, L"Decodes") != 0) {
+int32_t Get(void* /*instance*/, const wchar_t* key, DecoderGetRecord* record) {
+    if (key == nullptr || record == nullptr || Compare(key, L"Decodes") != 0) {
         return 0;
     }
     record->text = FormatExtension(record->index);

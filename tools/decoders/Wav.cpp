@@ -14,18 +14,17 @@ constexpr uint16_t kFloat = 3;
 constexpr uint16_t kExtensible = 0xFFFE;
 constexpr uint16_t kExtensionSize = 22;
 
-constexpr struct {
-    uint16_t tag;
+struct Named {
+    uint32_t id;
     const wchar_t* name;
-} kEncodings[] = {
+};
+
+constexpr Named kEncodings[] = {
     {kPcm, L"PCM"}, {2, L"Microsoft ADPCM"}, {kFloat, L"IEEE Float"}, {6, L"A-law"},
     {7, L"mu-law"}, {0x11, L"IMA ADPCM"},    {0x50, L"MPEG"},         {0x55, L"MPEG Layer 3"},
 };
 
-constexpr struct {
-    uint32_t id;
-    const wchar_t* name;
-} kInfoNames[] = {
+constexpr Named kInfoNames[] = {
     {RiffId("INAM"), L"Title"},    {RiffId("IART"), L"Artist"},   {RiffId("IPRD"), L"Album"},
     {RiffId("ITRK"), L"Track"},    {RiffId("IPRT"), L"Track"},    {RiffId("ICRD"), L"Date"},
     {RiffId("IGNR"), L"Genre"},    {RiffId("ICMT"), L"Comment"},  {RiffId("ICOP"), L"Copyright"},
@@ -33,6 +32,17 @@ constexpr struct {
     {RiffId("IKEY"), L"Keywords"}, {RiffId("ISRC"), L"Source"},   {RiffId("ITCH"), L"Encoded By"},
     {RiffId("ISFT"), L"Encoder"},  {RiffId("ILNG"), L"Language"},
 };
+
+/// Null when the table does not know the id.
+template<size_t count>
+const wchar_t* NameOf(const Named (&table)[count], uint32_t id) noexcept {
+    for (const Named& row : table) {
+        if (row.id == id) {
+            return row.name;
+        }
+    }
+    return nullptr;
+}
 
 /// The format tag, or the one that the sub-format of an extensible format stands for.
 uint16_t EffectiveTag(const AudioFormat& format) noexcept {
@@ -68,9 +78,8 @@ AudioInfo MakeInfo(const WaveFile& wave, uint64_t fileSize) noexcept {
 
 void AddProperties(const WaveFile& wave, TagListBuilder& properties) {
     const uint16_t tag = EffectiveTag(wave.format);
-    const auto encoding = std::find_if(std::begin(kEncodings), std::end(kEncodings),
-                                       [tag](const auto& row) { return row.tag == tag; });
-    properties.Add(L"Encoding", encoding != std::end(kEncodings) ? encoding->name : HexNumber(tag));
+    const wchar_t* const encoding = NameOf(kEncodings, tag);
+    properties.Add(L"Encoding", encoding != nullptr ? encoding : HexNumber(tag));
     if ((tag == kPcm || tag == kFloat) && wave.format.nBlockAlign != 0) {
         properties.Add(L"Sample Count", std::to_wstring(wave.audioSize / wave.format.nBlockAlign));
     }
@@ -81,10 +90,8 @@ void AddProperties(const WaveFile& wave, TagListBuilder& properties) {
 
 /// The known name of an INFO id, else its four characters; empty when they are not printable.
 std::wstring InfoName(uint32_t id) {
-    const auto known = std::find_if(std::begin(kInfoNames), std::end(kInfoNames),
-                                    [id](const auto& row) { return row.id == id; });
-    if (known != std::end(kInfoNames)) {
-        return known->name;
+    if (const wchar_t* const known = NameOf(kInfoNames, id); known != nullptr) {
+        return known;
     }
     std::wstring name;
     for (int shift = 0; shift < 32; shift += 8) {

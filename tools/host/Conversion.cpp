@@ -33,9 +33,9 @@ bool Conversion::HasSourceFile() const noexcept {
 }
 
 bool Conversion::GatherFacts() {
-    const bool hasSource =
-        !HasSourceFile() || ReadFileFacts(m_options.source, kOpenAudioInfo | kOpenAudioProperties, m_source);
-    const bool hasConverted = ReadFileFacts(m_options.converted, kOpenIDTags, m_converted);
+    const bool hasSource = !HasSourceFile() ||
+                           ReadWithDecoder(m_options.source, kOpenAudioInfo | kOpenAudioProperties, m_source);
+    const bool hasConverted = ReadWithDecoder(m_options.converted, kOpenIDTags, m_converted);
     return hasSource && hasConverted;
 }
 

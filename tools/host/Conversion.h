@@ -32,7 +32,7 @@ private:
     bool PassAudio(const PluginInstance& instance);
 
     const Options& m_options;
-    FileFacts m_source;
-    FileFacts m_converted;
+    DecoderReport m_source;
+    DecoderReport m_converted;
     int64_t m_ticks = 0;
 };

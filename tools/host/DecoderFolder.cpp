@@ -27,7 +27,7 @@ void CopyList(ByteBuffer& out, const void* list, int32_t size) {
 
 } // namespace
 
-bool ReadFileFacts(const XString& fileName, uint32_t openFlags, FileFacts& facts) {
+bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, DecoderReport& report) {
     const XString extension = GetFileExt(fileName);
     clZentaroDecoder decoder;
     if (!FindLibrary(extension, decoder)) {
@@ -41,8 +41,8 @@ bool ReadFileFacts(const XString& fileName, uint32_t openFlags, FileFacts& facts
         PrintError(Concat(GetFileName(decoder.LibraryPath()), L" cannot read ", fileName));
         return false;
     }
-    facts.audioInfo = record.audioInfo;
-    CopyList(facts.idTags, record.IDTagData, record.IDTagByteSize);
-    CopyList(facts.audioProperties, record.propertyData, record.propertyByteSize);
+    report.audioInfo = record.audioInfo;
+    CopyList(report.idTags, record.IDTagData, record.IDTagByteSize);
+    CopyList(report.audioProperties, record.propertyData, record.propertyByteSize);
     return true;
 }

@@ -49,11 +49,11 @@ bool IsEqual(const XString& a, const wchar_t* b) {
     return Compare(a.Text(), b) == 0;
 }
 
-/// The place of an option's text value, or null for other arguments.
-XString* FindTextOption(const XString& argument, Options& options) {
+/// Where an option's text value goes, or null for other arguments.
+XString Options::*FindTextOption(const XString& argument) {
     for (const auto& option : kTextOptions) {
         if (IsEqual(argument, option.name)) {
-            return &(options.*option.value);
+            return option.value;
         }
     }
     return nullptr;
@@ -99,7 +99,7 @@ XString ParseArguments(const XStringList& arguments, Options& options) {
     size_t fileCount = 0;
     for (size_t i = 0; i < arguments.Count(); ++i) {
         const XString& argument = arguments[i];
-        XString* const textValue = FindTextOption(argument, options);
+        XString Options::*const textValue = FindTextOption(argument);
         const bool isRepeat = IsEqual(argument, L"--repeat");
         if (IsEqual(argument, L"--help")) {
             options.help = true;
@@ -110,7 +110,7 @@ XString ParseArguments(const XStringList& arguments, Options& options) {
                 return Concat(argument, L" needs a value");
             }
             if (textValue != nullptr) {
-                textValue->Assign(arguments[i].Text());
+                (options.*textValue).Assign(arguments[i].Text());
             } else if (!ParseRepeat(arguments[i], options.repeat)) {
                 return Concat(argument, L" needs a number from 1 to ", XString::FromInt64(kMostRepeats));
             }

@@ -7,7 +7,6 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <utility>
 
 /// A plug-in library as the converter sees it: the module and its exports. plugin/Exports.h tells what each
 /// one does and in what order they are called. The members are null until `Load` succeeds; pointers and
@@ -51,15 +50,9 @@ class PluginInstance {
 public:
     PluginInstance(const PluginLibrary& plugin, const CreateRecord& record)
         : m_plugin(&plugin), m_instance(plugin.create(&record)) {}
-    PluginInstance(PluginInstance&& other) noexcept
-        : m_plugin(other.m_plugin), m_instance(std::exchange(other.m_instance, nullptr)) {}
     PluginInstance(const PluginInstance&) = delete;
     PluginInstance& operator=(const PluginInstance&) = delete;
-    ~PluginInstance() {
-        if (m_instance != nullptr) {
-            m_plugin->destroy(m_instance);
-        }
-    }
+    ~PluginInstance() { m_plugin->destroy(m_instance); }
 
     const PluginLibrary& Plugin() const noexcept { return *m_plugin; }
     PluginLibrary::Instance Get() const noexcept { return m_instance; }

@@ -80,6 +80,16 @@ start_wine() {
     run_wine cmd /c exit </dev/null >/dev/null 2>&1
 }
 
+# start_display: an X display of our own, for programs that show windows, until the script ends.
+start_display() {
+    local pipe number
+    exec {pipe}< <(exec Xvfb -displayfd 1 -screen 0 1600x1200x24 -nolisten tcp 2>/dev/null)
+    display_pid=$!
+    at_exit 'kill "$display_pid" 2>/dev/null || true'
+    read -r -t 30 -u "$pipe" number || fail "Xvfb does not start"
+    export DISPLAY=:$number
+}
+
 # run_wine PROGRAM [ARGUMENT…]
 run_wine() {
     timeout 60 wine "$@"

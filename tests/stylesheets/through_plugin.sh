@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Every style sheet by the plug-in under Wine, from a FLAC file with awkward tags, read back by the programs that take
+# its output: through_plugin.sh BUILD WORK
+
+. "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
+. "$root/scripts/style-sheets.sh"
+
+build=$1 work=$2/plugin
+rm -rf "$work"
+mkdir -p "$work"
+cd "$work"
+
+python3 -c 'import wave
+with wave.open("tone.wav", "wb") as tone:
+    tone.setparams((2, 2, 44100, 0, "NONE", ""))
+    tone.writeframes(bytes(44100))'
+flac --silent --output-name awkward.flac tone.wav \
+    --tag 'TITLE=Größe 😀 "quoted" \back & <tag>; #1 = 🎵' --tag 'ARTIST=Zoë, Ång' --tag 'ARTIST=مساء' --tag 'ARTIST=C; D' \
+    --tag $'COMMENT=first line\nsecond\tline' --tag 'EMPTY=' --tag 'with space=x' --picture "$root/tests/data/cover.png"
+flac --silent --output-name bare.flac tone.wav
+
+dsphost=$build/tools/dsphost.exe
+for name in awkward bare; do
+    run_wine "$dsphost" "$(windows_path "$work/tone.wav")" "$(windows_path "$work/$name.flac")" </dev/null
+    transform "$build" "$work/tone.wav" "$work/$name.flac"
+done
+python3 "$root/tests/stylesheets/check_sheets.py" --sheets "$root/XSLT" --work "$2/read" --produced "$work"

@@ -9,8 +9,8 @@ namespace {
 XString DocumentPath(const Options& options) {
     OptionLists settings;
     ParseOptions(settings, options.settings);
-    if (const XString name(FindOption(settings, L"filename")); !name.IsEmpty()) {
-        return Concat(name);
+    if (XString name(FindOption(settings, L"filename")); !name.IsEmpty()) {
+        return name;
     }
     const XString extension(FindOption(settings, L"ext"));
     return Concat(GetFilePath(options.converted), GetFileNameNoExt(options.converted),

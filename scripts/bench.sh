@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Prints how long documents take by number of tags, size of values and style sheet.
 
-. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git googletest wine wine64
 

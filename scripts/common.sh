@@ -24,6 +24,7 @@ run_exit_commands() {
     done
 }
 trap run_exit_commands EXIT
+trap 'printf "%s: line %d failed: %s\n" "${0##*/}" "$LINENO" "$BASH_COMMAND" >&2' ERR
 
 # install_packages PACKAGE…: installs those that are missing. Only root can; others are told what to do.
 install_packages() {
@@ -61,7 +62,7 @@ build() {
 # script ends.
 start_wine() {
     export WINEPREFIX=$root/build/$1 WINEDEBUG=-all
-    at_exit 'wineserver -k || true'
+    at_exit 'wineserver -k; wineserver -w'
     if [[ ! -e $WINEPREFIX/prepared ]]; then
         echo "Preparing Wine"
         rm -rf "$WINEPREFIX"
@@ -76,8 +77,9 @@ start_wine() {
         touch "$WINEPREFIX/prepared"
     fi
     # Wine's services inherit what is open when they start, so they start with nothing that anyone waits for.
-    wineserver -p </dev/null >/dev/null 2>&1
-    run_wine cmd /c exit </dev/null >/dev/null 2>&1
+    # A server that is running already serves as well.
+    wineserver -p </dev/null >/dev/null 2>&1 || true
+    run_wine cmd /c exit </dev/null >/dev/null 2>&1 || fail "Wine does not start a program"
 }
 
 # start_display: an X display of our own, for programs that show windows, until the script ends.

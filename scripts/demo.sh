@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Shows the plug-in at work: converts recordings to FLAC and has the plug-in write a metadata document for each.
+# Shows the plug-in at work: converts recordings to FLAC and has the plug-in write a metadata document for each, and
+# what each of its style sheets makes of it.
 #
 #   scripts/demo.sh [WAV…]
 #
 # Without arguments it takes the speech recordings of Debian's alsa-utils.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+source "$root/scripts/style-sheets.sh"
 
 recordings=()
 for file; do
@@ -13,7 +15,7 @@ for file; do
 done
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
-    wine wine64 flac alsa-utils libxml2-utils
+    wine wine64 flac ffmpeg alsa-utils libxml2-utils xsltproc
 
 if ((${#recordings[@]} == 0)); then
     recordings=(/usr/share/sounds/alsa/*.wav)
@@ -23,7 +25,7 @@ build mingw-release WriteMetadataFile dsphost wav flac
 start_wine wine
 
 demo=$root/build/demo
-dsphost=$root/build/mingw-release/tools/dsphost.exe
+build=$root/build/mingw-release
 rm -rf "$demo"
 mkdir -p "$demo"
 
@@ -36,11 +38,8 @@ convert() {
 
 # check DOCUMENT TITLE: a parser accepts the document, and what was tagged is in it.
 check() {
-    local schema=$root/docs/AudioMetadata.xsd report
-    xmllint --noout "$1"
-    if [[ -e $schema ]]; then
-        report=$(xmllint --noout --schema "$schema" "$1" 2>&1) || fail "$report"
-    fi
+    local report
+    report=$(xmllint --noout --schema "$root/docs/AudioMetadata.xsd" "$1" 2>&1) || fail "$report"
     local tags='/AudioMetadata/ConvertedFile/IDTags'
     [[ $(xmllint --xpath "string($tags/TITLE)" "$1") == "$2" ]] || fail "the title is missing in $1"
     [[ $(xmllint --xpath "count($tags/ARTIST)" "$1") == 2 ]] || fail "an artist is missing in $1"
@@ -56,11 +55,17 @@ for wav in "${recordings[@]}"; do
 
     convert "$wav" "$converted" "$title"
     printf '[%d/%d] ' $((++count)) ${#recordings[@]}
-    run_wine "$dsphost" "$(windows_path "$wav")" "$(windows_path "$converted")" </dev/null
+    run_wine "$build/tools/dsphost.exe" "$(windows_path "$wav")" "$(windows_path "$converted")" </dev/null
     check "$document" "$title"
+    transform "$build" "$wav" "$converted" >/dev/null
 done
 
 printf '\n%s\n\n' "$document"
 tr -d '\r' <"$document"
 
-printf '\n%d documents, each accepted by xmllint, lie beside their FLAC files in\n%s\n' "$count" "$demo"
+printf '\nReading back what the style sheets made, with xsltproc, Python, metaflac and ffmpeg:\n'
+python3 "$root/tests/stylesheets/check_sheets.py" --sheets "$root/XSLT" --work "$root/build/demo-check" \
+    --produced "$demo"
+
+printf '\n%d documents, accepted by xmllint and the schema, lie beside their FLAC files, each in six more forms, in\n%s\n' \
+    "$count" "$demo"

@@ -3,7 +3,7 @@
 #
 #   scripts/fuzz.sh [RUNS]      30,000 runs unless told otherwise, always from the same seed
 
-. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 install_packages clang libclang-rt-14-dev
 

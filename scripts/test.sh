@@ -5,7 +5,7 @@
 #
 # PRESET is mingw-release unless given; mingw-debug adds library assertions and undefined-behaviour traps.
 
-. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 preset=${1:-mingw-release}
 shift || true

@@ -2,8 +2,8 @@
 # Every style sheet by the plug-in under Wine, from a FLAC file with awkward tags, read back by the programs that take
 # its output: through_plugin.sh BUILD WORK
 
-. "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
-. "$root/scripts/style-sheets.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
+source "$root/scripts/style-sheets.sh"
 
 build=$1 work=$2/plugin
 rm -rf "$work"

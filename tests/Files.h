@@ -15,10 +15,13 @@ public:
     TempFolder() {
         wchar_t base[MAX_PATH];
         GetTempPathW(MAX_PATH, base);
+        // A test that crashed leaves its folder behind, and process ids come again.
         static unsigned count = 0;
-        m_folder = std::wstring(base) + L"wmf-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                   std::to_wstring(++count);
-        EXPECT_TRUE(CreateDirectoryW(m_folder.c_str(), nullptr)) << m_folder;
+        do {
+            m_folder = std::wstring(base) + L"wmf-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                       std::to_wstring(++count);
+        } while (!CreateDirectoryW(m_folder.c_str(), nullptr) && GetLastError() == ERROR_ALREADY_EXISTS);
+        EXPECT_TRUE(GetFileAttributesW(m_folder.c_str()) != INVALID_FILE_ATTRIBUTES) << m_folder;
     }
     ~TempFolder() { Remove(m_folder); }
     TempFolder(const TempFolder&) = delete;

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "support/Owner.h"
+
+#include <windows.h>
+
+/// A window from CreateWindowExW of this thread.
+struct WindowTraits {
+    using Type = HWND;
+    static Type None() noexcept { return nullptr; }
+    static void Release(Type window) noexcept { DestroyWindow(window); }
+};
+using OwnedWindow = Owner<WindowTraits>;
+
+/// A visible top-level window, or none where there is no display. Neither framed nor activated: Wine waits
+/// two seconds for a window manager to give up a window that is.
+inline OwnedWindow MakeTopWindow() {
+    OwnedWindow window(CreateWindowExW(0, L"STATIC", L"Test", WS_POPUP, 100, 100, 1100, 400, nullptr, nullptr,
+                                       GetModuleHandleW(nullptr), nullptr));
+    ShowWindow(window.Get(), SW_SHOWNOACTIVATE);
+    return window;
+}
+
+/// Handles the messages that wait for this thread.
+inline void PumpMessages() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        DispatchMessageW(&message);
+    }
+}
+
+/// Ends a test where windows cannot be made; `window` is the first one that it made.
+#define SKIP_WITHOUT_DISPLAY(window)                                                                         \
+    if (!(window).IsValid()) {                                                                               \
+        GTEST_SKIP() << "no display: windows cannot be made";                                                \
+    }

@@ -1,0 +1,428 @@
+#include "tests/TestWindow.h"
+#include "toolkit/XButton.h"
+#include "toolkit/XWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+#include <type_traits>
+
+namespace {
+
+constexpr LRESULT kTaken = 4711; // what OnMessage answers when it takes a message
+constexpr LRESULT kNotifyResult = 99;
+constexpr UINT_PTR kTimer = 5;
+
+/// Writes down the operations that one message calls, with their arguments, and answers each alike.
+class Recorder : public XWindow {
+public:
+    ~Recorder() override { Destroy(); }
+
+    bool takesAll = false; // OnMessage handles everything
+    bool handles = false;  // the other operations handle what they get
+    std::string calls;
+
+    /// Chooses the message to write down; others come and go as the system likes.
+    void Watch(UINT message, WPARAM wParam) {
+        m_watched = message;
+        m_watchedParam = wParam;
+    }
+
+protected:
+    LRESULT OnMessage(HWND, UINT message, WPARAM wParam, LPARAM, bool& handled) override {
+        m_isWatched = message == m_watched && wParam == m_watchedParam;
+        handled = takesAll;
+        return kTaken;
+    }
+    // clang-format off
+    bool OnActivate(HWND other, bool minimised, UINT state) override { return Note("Activate", other, minimised, state); }
+    bool OnClose() override { return Note("Close"); }
+    bool OnContextMenu(HWND window, int x, int y) override { return Note("ContextMenu", window, x, y); }
+    bool OnCommand(UINT id, HWND control, UINT notification) override { return Note("Command", id, control, notification); }
+    void OnInit() override { Note("Init"); }
+    bool OnDestroy() override { return Note("Destroy"); }
+    bool OnDeactivate(HWND other, bool minimised) override { return Note("Deactivate", other, minimised); }
+    bool OnDrawItem(const DRAWITEMSTRUCT& item) override { return Note("DrawItem", item.CtlID); }
+    bool OnEraseBackground(HDC dc) override { return Note("EraseBackground", dc); }
+    bool OnHide() override { return Note("Hide"); }
+    bool OnKeyDown(UINT key) override { return Note("KeyDown", key); }
+    bool OnKeyUp(UINT key) override { return Note("KeyUp", key); }
+    bool OnChar(wchar_t character) override { return Note("Char", character); }
+    bool OnMouseDown(int x, int y, UINT message, UINT keys) override { return Note("MouseDown", x, y, message, keys); }
+    bool OnMouseDoubleClick(int x, int y, UINT message, UINT keys) override { return Note("DoubleClick", x, y, message, keys); }
+    bool OnMouseUp(int x, int y, UINT message, UINT keys) override { return Note("MouseUp", x, y, message, keys); }
+    bool OnMouseMove(int x, int y, UINT keys) override { return Note("MouseMove", x, y, keys); }
+    bool OnMouseWheel(int x, int y, int delta, UINT keys) override { return Note("MouseWheel", x, y, delta, keys); }
+    bool OnMove(int x, int y) override { return Note("Move", x, y); }
+    bool OnNotify(NMHDR& header, LRESULT& result) override { result = handles ? kNotifyResult : 0; return Note("Notify", header.code); }
+    void OnPaint() override { Note("Paint"); }
+    bool OnShow() override { return Note("Show"); }
+    bool OnSize(int width, int height, UINT type) override { return Note("Size", width, height, type); }
+    void OnSysCommand(UINT command) override { Note("SysCommand", command); }
+    bool OnTimer(UINT_PTR id, uint64_t userWord) override { return Note("Timer", id, userWord); }
+    HBRUSH OnCtlColorStatic(HDC dc) override { return Note("ColorStatic", dc) ? GetSysColorBrush(COLOR_INFOBK) : nullptr; }
+    HBRUSH OnCtlColorDialog(HDC dc) override { return Note("ColorDialog", dc) ? GetSysColorBrush(COLOR_INFOBK) : nullptr; }
+    bool OnOK() override { return Note("OK"); }
+    bool OnCancel() override { return Note("Cancel"); }
+    bool OnAbort() override { return Note("Abort"); }
+    bool OnIdClose() override { return Note("IdClose"); }
+    bool OnHelp() override { return Note("Help"); }
+    bool OnIgnore() override { return Note("Ignore"); }
+    bool OnNo() override { return Note("No"); }
+    bool OnRetry() override { return Note("Retry"); }
+    bool OnYes() override { return Note("Yes"); }
+    // clang-format on
+
+private:
+    template<class Value>
+    static long long ToNumber(Value value) {
+        if constexpr (std::is_pointer_v<Value>) {
+            return reinterpret_cast<intptr_t>(value);
+        } else {
+            return static_cast<long long>(value);
+        }
+    }
+
+    template<class... Arguments>
+    bool Note(const char* name, Arguments... arguments) {
+        if (m_isWatched) {
+            calls += name;
+            ((calls += " " + std::to_string(ToNumber(arguments))), ...);
+            calls += ";";
+        }
+        return handles;
+    }
+
+    UINT m_watched = 0;
+    WPARAM m_watchedParam = 0;
+    bool m_isWatched = false;
+};
+
+LRESULT CALLBACK WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        const auto* create = reinterpret_cast<const CREATESTRUCTW*>(lParam);
+        static_cast<XWindow*>(create->lpCreateParams)->Register(hwnd, false);
+    }
+    XWindow* window = XWindow::Find(hwnd);
+    return window != nullptr ? window->Dispatch(hwnd, message, wParam, lParam)
+                             : DefWindowProcW(hwnd, message, wParam, lParam);
+}
+
+void MakeWindow(XWindow& object, HWND parent = nullptr) {
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = WindowProc;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.lpszClassName = L"ToolkitTest";
+    RegisterClassW(&windowClass); // refused from the second time on
+    CreateWindowExW(0, windowClass.lpszClassName, L"", parent != nullptr ? WS_CHILD : WS_POPUP, 10, 20, 300,
+                    200, parent, nullptr, windowClass.hInstance, &object);
+}
+
+void MakeDialog(XWindow& object) {
+    struct {
+        DLGTEMPLATE head = {WS_POPUP, 0, 0, 0, 0, 100, 50};
+        WORD menuClassTitle[3] = {};
+    } dialog;
+    CreateDialogIndirectParamW(GetModuleHandleW(nullptr), &dialog.head, nullptr, XWindow::DialogProc,
+                               reinterpret_cast<LPARAM>(&object));
+}
+
+const DRAWITEMSTRUCT drawItem = {0, 31, 0, 0, 0, nullptr, nullptr, {}, 0};
+NMHDR notifyHeader = {nullptr, 0, 32};
+const LPARAM kBrush = reinterpret_cast<LPARAM>(GetSysColorBrush(COLOR_INFOBK));
+const LPARAM kLeftAbove = MAKELPARAM(-3, -4);
+
+enum Handled { Never, Always, AsAnswered };
+
+const struct Row {
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+    const char* calls;
+    Handled handled = AsAnswered;
+    LRESULT result = 0; // when handled
+} kRows[] = {
+    {WM_ACTIVATE, MAKEWPARAM(WA_CLICKACTIVE, 1), 17, "Activate 17 1 2;"},
+    {WM_ACTIVATE, MAKEWPARAM(WA_INACTIVE, 0), 17, "Deactivate 17 0;"},
+    {WM_CLOSE, 0, 0, "Close;"},
+    {WM_CONTEXTMENU, 17, kLeftAbove, "ContextMenu 17 -3 -4;"},
+    {WM_COMMAND, MAKEWPARAM(1, 0), 17, "OK;Command 1 17 0;"},
+    {WM_COMMAND, MAKEWPARAM(2, 0), 17, "Cancel;Command 2 17 0;"},
+    {WM_COMMAND, MAKEWPARAM(3, 0), 0, "Abort;Command 3 0 0;"},
+    {WM_COMMAND, MAKEWPARAM(4, 0), 0, "Retry;Command 4 0 0;"},
+    {WM_COMMAND, MAKEWPARAM(5, 0), 0, "Ignore;Command 5 0 0;"},
+    {WM_COMMAND, MAKEWPARAM(6, 0), 0, "Yes;Command 6 0 0;"},
+    {WM_COMMAND, MAKEWPARAM(7, 0), 0, "No;Command 7 0 0;"},
+    {WM_COMMAND, MAKEWPARAM(8, 0), 0, "IdClose;Command 8 0 0;"},
+    {WM_COMMAND, MAKEWPARAM(9, 0), 0, "Help;Command 9 0 0;"},
+    {WM_COMMAND, MAKEWPARAM(1, 5), 17, "Command 1 17 5;"},
+    {WM_COMMAND, MAKEWPARAM(10, 0), 17, "Command 10 17 0;"},
+    {WM_INITDIALOG, 0, 0, "Init;", Always},
+    {WM_CREATE, 0, 0, "Init;", Always},
+    {WM_DESTROY, 0, 0, "Destroy;"},
+    {WM_DRAWITEM, 31, reinterpret_cast<LPARAM>(&drawItem), "DrawItem 31;"},
+    {WM_ERASEBKGND, 17, 0, "EraseBackground 17;", AsAnswered, 1},
+    {WM_SHOWWINDOW, FALSE, 0, "Hide;"},
+    {WM_SHOWWINDOW, TRUE, 0, "Show;"},
+    {WM_KEYDOWN, VK_F5, 0, "KeyDown 116;"},
+    {WM_KEYUP, VK_F5, 0, "KeyUp 116;"},
+    {WM_CHAR, 0x20AC, 0, "Char 8364;"},
+    {WM_LBUTTONDOWN, MK_SHIFT, kLeftAbove, "MouseDown -3 -4 513 4;"},
+    {WM_RBUTTONDOWN, 0, kLeftAbove, "MouseDown -3 -4 516 0;"},
+    {WM_MBUTTONDOWN, 0, kLeftAbove, "MouseDown -3 -4 519 0;"},
+    {WM_LBUTTONDBLCLK, MK_SHIFT, kLeftAbove, "DoubleClick -3 -4 515 4;"},
+    {WM_RBUTTONDBLCLK, 0, kLeftAbove, "DoubleClick -3 -4 518 0;"},
+    {WM_MBUTTONDBLCLK, 0, kLeftAbove, "DoubleClick -3 -4 521 0;"},
+    {WM_LBUTTONUP, MK_SHIFT, kLeftAbove, "MouseUp -3 -4 514 4;"},
+    {WM_RBUTTONUP, 0, kLeftAbove, "MouseUp -3 -4 517 0;"},
+    {WM_MBUTTONUP, 0, kLeftAbove, "MouseUp -3 -4 520 0;"},
+    {WM_MOUSEMOVE, MK_CONTROL, kLeftAbove, "MouseMove -3 -4 8;"},
+    {WM_MOUSEWHEEL, MAKEWPARAM(MK_CONTROL, -120), kLeftAbove, "MouseWheel -3 -4 -120 8;"},
+    {WM_MOVE, 0, kLeftAbove, "Move -3 -4;"},
+    {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notifyHeader), "Notify 32;", AsAnswered, kNotifyResult},
+    {WM_PAINT, 0, 0, "Paint;", Never},
+    {WM_SIZE, SIZE_MAXIMIZED, MAKELPARAM(640, 40000), "Size 640 40000 2;"},
+    {WM_SYSCOMMAND, 0xE123, 0, "SysCommand 57632;", Never},
+    {WM_TIMER, kTimer, 0, "Timer 5 77;"},
+    {WM_TIMER, kTimer + 1, 0, "", Never},
+    {WM_CTLCOLORSTATIC, 17, 0, "ColorStatic 17;", AsAnswered, kBrush},
+    {WM_CTLCOLORDLG, 17, 0, "ColorDialog 17;", AsAnswered, kBrush},
+    {WM_CTLCOLOREDIT, 17, 0, "", Never},
+    {WM_USER, 0, 0, "", Never},
+};
+
+std::string Label(const Row& row) {
+    return "message " + std::to_string(row.message) + " with " + std::to_string(row.wParam);
+}
+
+TEST(Dispatch, CallsTheOperationOfEachMessageInAWindow) {
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(Label(row));
+        for (const bool answer : {false, true}) {
+            Recorder window;
+            MakeWindow(window);
+            if (window.Hwnd() == nullptr) {
+                GTEST_SKIP() << "no display: windows cannot be made";
+            }
+            window.StartTimer(kTimer, 1000000, 77);
+            window.handles = answer;
+            window.Watch(row.message, row.wParam);
+            window.calls.clear();
+            const LRESULT result = SendMessageW(window.Hwnd(), row.message, row.wParam, row.lParam);
+            EXPECT_EQ(window.calls, row.calls);
+            if (row.handled == Always || (row.handled == AsAnswered && answer)) {
+                EXPECT_EQ(result, row.result);
+            }
+        }
+        Recorder window;
+        MakeWindow(window);
+        window.takesAll = true;
+        window.Watch(row.message, row.wParam);
+        EXPECT_EQ(SendMessageW(window.Hwnd(), row.message, row.wParam, row.lParam), kTaken);
+        EXPECT_EQ(window.calls, "");
+    }
+}
+
+/// What the dialog procedure answers and what it leaves behind as the message's result.
+void ExpectFromDialog(HWND hwnd, const Row& row, LPARAM object, LRESULT answer, LRESULT result) {
+    SetWindowLongPtrW(hwnd, DWLP_MSGRESULT, -1);
+    const LPARAM lParam = row.message == WM_INITDIALOG ? object : row.lParam;
+    EXPECT_EQ(XWindow::DialogProc(hwnd, row.message, row.wParam, lParam), answer);
+    EXPECT_EQ(GetWindowLongPtrW(hwnd, DWLP_MSGRESULT), result);
+}
+
+TEST(Dispatch, AnswersTheDialogManager) {
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(Label(row));
+        Recorder dialog;
+        const LPARAM object = reinterpret_cast<LPARAM>(static_cast<XWindow*>(&dialog));
+        MakeDialog(dialog);
+        if (dialog.Hwnd() == nullptr) {
+            GTEST_SKIP() << "no display: windows cannot be made";
+        }
+        dialog.StartTimer(kTimer, 1000000, 77);
+        dialog.Watch(row.message, row.wParam);
+        for (const bool answer : {false, true}) {
+            dialog.handles = answer;
+            dialog.calls.clear();
+            const bool handled = row.handled == Always || (row.handled == AsAnswered && answer);
+            if (handled && row.result == kBrush) {
+                ExpectFromDialog(dialog.Hwnd(), row, object, kBrush, -1);
+            } else {
+                ExpectFromDialog(dialog.Hwnd(), row, object, handled, handled ? row.result : 0);
+            }
+            EXPECT_EQ(dialog.calls, row.calls);
+        }
+        dialog.takesAll = true;
+        dialog.calls.clear();
+        ExpectFromDialog(dialog.Hwnd(), row, object, TRUE, kTaken);
+        EXPECT_EQ(dialog.calls, "");
+
+        // Without overrides nothing is handled but the start.
+        XWindow bare;
+        MakeDialog(bare);
+        ExpectFromDialog(bare.Hwnd(), row, reinterpret_cast<LPARAM>(&bare), row.handled == Always, 0);
+    }
+}
+
+TEST(Dispatch, LeavesTheRestToTheSystem) {
+    const OwnedWindow top = MakeTopWindow();
+    SKIP_WITHOUT_DISPLAY(top);
+    Recorder window;
+    MakeWindow(window);
+    const HWND hwnd = window.Hwnd();
+    SetWindowTextW(hwnd, L"title"); // WM_SETTEXT and WM_GETTEXT are DefWindowProcW's
+    EXPECT_EQ(GetWindowTextLengthW(hwnd), 5);
+    SendMessageW(hwnd, WM_CLOSE, 0, 0);
+    EXPECT_FALSE(IsWindow(hwnd));
+
+    // An object without a window answers nothing, a window without an object is left to the dialog manager.
+    EXPECT_EQ(window.Dispatch(top.Get(), WM_GETTEXTLENGTH, 0, 0), 0);
+    EXPECT_EQ(XWindow::DialogProc(top.Get(), WM_CLOSE, 0, 0), 0);
+}
+
+TEST(WindowObject, EndsWithItsWindowAndTheOtherWayRound) {
+    const OwnedWindow top = MakeTopWindow();
+    SKIP_WITHOUT_DISPLAY(top);
+    const struct {
+        const char* label;
+        void (*end)(std::unique_ptr<Recorder>& object);
+        bool keepsObject;
+    } rows[] = {
+        {"Destroy", [](auto& object) { object->Destroy(); }, true},
+        {"DestroyWindow", [](auto& object) { DestroyWindow(object->Hwnd()); }, true},
+        {"delete", [](auto& object) { object.reset(); }, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
+        auto object = std::make_unique<Recorder>();
+        MakeDialog(*object);
+        const HWND hwnd = object->Hwnd();
+        EXPECT_EQ(XWindow::Find(hwnd), object.get());
+        object->StartTimer(kTimer, 1000000, 0);
+        object->Watch(WM_DESTROY, 0);
+        row.end(object);
+        EXPECT_FALSE(IsWindow(hwnd));
+        EXPECT_EQ(XWindow::Find(hwnd), nullptr);
+        if (row.keepsObject) {
+            EXPECT_EQ(object->calls, "Destroy;");
+            EXPECT_EQ(object->Hwnd(), nullptr);
+            MakeDialog(*object);
+            EXPECT_EQ(XWindow::Find(object->Hwnd()), object.get());
+            object->Watch(WM_TIMER, kTimer);
+            SendMessageW(object->Hwnd(), WM_TIMER, kTimer, 0);
+            EXPECT_EQ(object->calls, "Destroy;") << "timers end with their window";
+        }
+    }
+}
+
+TEST(WindowObject, MovesInsideItsParent) {
+    const OwnedWindow top = MakeTopWindow();
+    SKIP_WITHOUT_DISPLAY(top);
+    Recorder window;
+    window.MoveTo(1, 2); // no window yet
+    MakeWindow(window, top.Get());
+    const struct {
+        int x, y;
+        POINT expected;
+    } rows[] = {{30, 40, {30, 40}},
+                {kKeepCoordinate, 50, {30, 50}},
+                {60, kKeepCoordinate, {60, 50}},
+                {kKeepCoordinate, kKeepCoordinate, {60, 50}},
+                {-7, 0, {-7, 0}}};
+    for (const auto& row : rows) {
+        window.MoveTo(row.x, row.y);
+        RECT rect;
+        GetWindowRect(window.Hwnd(), &rect);
+        EXPECT_EQ(rect.right - rect.left, 300);
+        EXPECT_EQ(rect.bottom - rect.top, 200);
+        MapWindowPoints(nullptr, top.Get(), reinterpret_cast<POINT*>(&rect), 2);
+        EXPECT_EQ(rect.left, row.expected.x) << row.x << " " << row.y;
+        EXPECT_EQ(rect.top, row.expected.y) << row.x << " " << row.y;
+    }
+}
+
+TEST(WindowObject, TimersTickUntilStopped) {
+    Recorder window;
+    MakeWindow(window);
+    if (window.Hwnd() == nullptr) {
+        GTEST_SKIP() << "no display: windows cannot be made";
+    }
+    const auto tick = [&window](DWORD patience) {
+        window.calls.clear();
+        for (const ULONGLONG end = GetTickCount64() + patience;
+             window.calls.empty() && GetTickCount64() < end; Sleep(1)) {
+            PumpMessages();
+        }
+        return window.calls;
+    };
+    window.Watch(WM_TIMER, kTimer);
+    window.StartTimer(kTimer, 10, 1);
+    window.StartTimer(kTimer, 10, 2);
+    EXPECT_EQ(tick(10000), "Timer 5 2;");
+    window.StopTimer(kTimer);
+    window.StopTimer(kTimer + 1);
+    EXPECT_EQ(tick(100), "");
+}
+
+TEST(Button, KnowsItsClicks) {
+    static int clicks = 0;
+    struct CountingButton : XButton {
+        void OnClick() override { ++clicks; }
+    };
+    Recorder parent;
+    MakeWindow(parent);
+    if (parent.Hwnd() == nullptr) {
+        GTEST_SKIP() << "no display: windows cannot be made";
+    }
+    ShowWindow(parent.Hwnd(), SW_SHOWNOACTIVATE);
+    const HWND control = CreateWindowExW(0, L"BUTTON", L"Help", WS_CHILD | WS_VISIBLE, 0, 0, 80, 30,
+                                         parent.Hwnd(), nullptr, nullptr, nullptr);
+    const LPARAM inside = MAKELPARAM(5, 5);
+    const LPARAM outside = MAKELPARAM(200, 5);
+    const struct {
+        const char* label;
+        struct {
+            UINT message;
+            WPARAM wParam;
+            LPARAM lParam;
+        } messages[2];
+        int clicks;
+    } rows[] = {{"by message", {{BM_CLICK, 0, 0}}, 1},
+                {"mouse", {{WM_LBUTTONDOWN, MK_LBUTTON, inside}, {WM_LBUTTONUP, 0, inside}}, 1},
+                {"released outside", {{WM_LBUTTONDOWN, MK_LBUTTON, inside}, {WM_LBUTTONUP, 0, outside}}, 0},
+                {"released only", {{WM_LBUTTONUP, 0, inside}}, 0},
+                {"space", {{WM_KEYDOWN, VK_SPACE, 0}, {WM_KEYUP, VK_SPACE, 0}}, 1},
+                {"other key", {{WM_KEYDOWN, VK_F5, 0}, {WM_KEYUP, VK_F5, 0}}, 0}};
+    alignas(CountingButton) std::byte room[sizeof(CountingButton)];
+    auto* attached = new (room) CountingButton;
+    attached->Attach(control);
+    for (const auto& row : rows) {
+        clicks = 0;
+        parent.calls.clear();
+        parent.Watch(WM_COMMAND, 0);
+        for (const auto& message : row.messages) {
+            SendMessageW(control, message.message, message.wParam, message.lParam);
+        }
+        EXPECT_EQ(clicks, row.clicks) << row.label;
+        EXPECT_EQ(parent.calls.empty(), row.clicks == 0) << row.label;
+    }
+    attached->~CountingButton();
+    std::memset(room, 0, sizeof(room)); // whoever still calls it crashes
+    clicks = 0;
+    parent.calls.clear();
+    SendMessageW(control, BM_CLICK, 0, 0);
+    EXPECT_EQ(clicks, 0) << "the object is gone";
+    EXPECT_FALSE(parent.calls.empty()) << "the control works on";
+
+    CountingButton button;
+    button.Attach(control);
+    DestroyWindow(control);
+    EXPECT_EQ(button.Hwnd(), nullptr);
+}
+
+} // namespace

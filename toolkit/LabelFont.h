@@ -1,0 +1,19 @@
+#pragma once
+
+#include "support/Owner.h"
+
+#include <windows.h>
+
+/// A font from CreateFontIndirectW.
+struct FontTraits {
+    using Type = HFONT;
+    static Type None() noexcept { return nullptr; }
+    static void Release(Type font) noexcept { DeleteObject(font); }
+};
+using OwnedFont = Owner<FontTraits>;
+
+/// Sees to it that no label of a dialog is cut off where the system's dialog font runs wider than the layout
+/// allows for: all its static texts then get that font at the largest smaller size at which every one fits.
+/// Returns the new font, which the labels use until they are destroyed, or none when all fit as they are or
+/// no legible size would do.
+OwnedFont FitLabels(HWND dialog) noexcept;

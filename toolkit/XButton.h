@@ -1,0 +1,12 @@
+#pragma once
+
+#include "toolkit/XSubClassCtrl.h"
+
+/// A push button that knows its own click, whoever its parent is.
+class XButton : public XSubClassCtrl {
+protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+    /// The button was clicked with the mouse, its access key or the space bar, and its parent has been told.
+    virtual void OnClick() {}
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "support/Owner.h"
+
+#include <windows.h>
+
+/// An icon from LoadImageW.
+struct IconTraits {
+    using Type = HICON;
+    static Type None() noexcept { return nullptr; }
+    static void Release(Type icon) noexcept { DestroyIcon(icon); }
+};
+using OwnedIcon = Owner<IconTraits>;
+
+/// An icon of a module's resources at one size.
+class XIcon {
+public:
+    /// Loads icon group `id`, scaled to `size` by `size` pixels, unless an icon is loaded already. Without
+    /// such a resource there is none.
+    void Load(HMODULE module, int id, int size) noexcept;
+
+    /// Draws the icon with this top left corner, on the dialog face colour; nothing without an icon.
+    void Draw(HDC dc, int x, int y) const noexcept;
+
+private:
+    OwnedIcon m_icon;
+    int m_size = 0;
+};
+
+/// Pixels at 96 dots per inch as pixels of the screen, rounded towards zero. The screen's horizontal
+/// resolution is read once.
+int ScaleToScreen(int pixels) noexcept;

@@ -37,6 +37,18 @@ int32_t DSP_Destroy(clDSP_WriteMetadataFile* instance) {
     return 1;
 }
 
+HWND DSP_ShowConfigBit(clDSP_WriteMetadataFile* instance, HWND parent, int32_t x, int32_t y,
+                       const wchar_t* settings) {
+    return Guarded(instance, [=](clDSP_WriteMetadataFile& plugin) {
+        return plugin.ShowConfigBit(parent, x, y, settings);
+    });
+}
+
+const wchar_t* DSP_RemoveConfigBit(clDSP_WriteMetadataFile* instance, int64_t mode) {
+    return Guarded(instance,
+                   [mode](clDSP_WriteMetadataFile& plugin) { return plugin.RemoveConfigBit(mode); });
+}
+
 int32_t DSP_BeginConversion(clDSP_WriteMetadataFile* instance, void* /*ignored*/, const wchar_t* settings,
                             void* /*ignored*/) {
     return Guarded(instance, [settings](clDSP_WriteMetadataFile& plugin) {

@@ -26,6 +26,16 @@ clDSP_WriteMetadataFile* DSP_Create(const CreateRecord* record);
 /// Frees the instance and all it owns, an open panel included. Always 1.
 int32_t DSP_Destroy(clDSP_WriteMetadataFile* instance);
 
+/// Makes the settings panel as a child of the host's window at (x, y) of its client area, in place of one
+/// that is still open, filled from the settings text. A coordinate of -12345 is left to the dialog manager.
+/// The panel's window, or 0 when it could not be made. The host's message loop serves it (IsDialogMessage).
+HWND DSP_ShowConfigBit(clDSP_WriteMetadataFile* instance, HWND parent, int32_t x, int32_t y,
+                       const wchar_t* settings);
+
+/// The settings text of what the panel holds now, `-xsltfile="…" -ext="…"`; destroys the panel unless `mode`
+/// is -123. The text stays the instance's, valid until the next call or DSP_Destroy.
+const wchar_t* DSP_RemoveConfigBit(clDSP_WriteMetadataFile* instance, int64_t mode);
+
 /// Reads the settings for the conversion that begins. 1.
 int32_t DSP_BeginConversion(clDSP_WriteMetadataFile* instance, void* ignored1, const wchar_t* settings,
                             void* ignored2);

@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr const wchar_t* kShowConfigBit = L"clDSP_WriteMetadataFile::ShowConfigBit";
+constexpr const wchar_t* kRemoveConfigBit = L"clDSP_WriteMetadataFile::RemoveConfigBit";
 constexpr const wchar_t* kBeginConversion = L"clDSP_WriteMetadataFile::BeginConversion";
 constexpr const wchar_t* kEndConversion = L"clDSP_WriteMetadataFile::EndConversion";
 constexpr const wchar_t* kAfterConversion = L"clDSP_WriteMetadataFile::AfterConversion";
@@ -21,6 +23,26 @@ const wchar_t* OrEmpty(const wchar_t* text) noexcept {
 }
 
 } // namespace
+
+HWND clDSP_WriteMetadataFile::ShowConfigBit(HWND parent, int32_t x, int32_t y, const wchar_t* settings) {
+    Log(kEnter, m_record, kShowConfigBit);
+    const HWND panel = m_settingsDialog.Show(parent, x, y, settings);
+    Log(kLeave, m_record, kShowConfigBit);
+    return panel;
+}
+
+const wchar_t* clDSP_WriteMetadataFile::RemoveConfigBit(int64_t mode) {
+    const bool isQuery = mode == kQueryMode;
+    if (!isQuery) {
+        Log(kEnter, m_record, kRemoveConfigBit);
+    }
+    m_configString = m_settingsDialog.ReadSettings();
+    if (!isQuery) {
+        m_settingsDialog.Destroy();
+        Log(kLeave, m_record, kRemoveConfigBit);
+    }
+    return m_configString.Text();
+}
 
 void clDSP_WriteMetadataFile::BeginConversion(const wchar_t* settings) {
     Log(kEnter, m_record, kBeginConversion);

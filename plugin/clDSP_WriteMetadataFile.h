@@ -2,6 +2,7 @@
 
 #include "metadata/AfterConversionInfo.h"
 #include "metadata/MetadataContext.h"
+#include "plugin/frmDSPSettings.h"
 #include "support/DebugLog.h"
 #include "support/XFile.h"
 #include "support/XString.h"
@@ -13,6 +14,13 @@
 class clDSP_WriteMetadataFile {
 public:
     explicit clDSP_WriteMetadataFile(const CreateRecord& record) noexcept : m_record(record) {}
+
+    /// Opens the settings panel inside the host's window; see frmDSPSettings::Show.
+    HWND ShowConfigBit(HWND parent, int32_t x, int32_t y, const wchar_t* settings);
+
+    /// The settings text of what the panel holds, valid until the next call. Destroys the panel unless `mode`
+    /// is kQueryMode, which leaves no trace either.
+    const wchar_t* RemoveConfigBit(int64_t mode);
 
     /// Takes style sheet, extension and output name from the settings text. Style sheet and extension keep
     /// their values when the text lacks them; the output name lasts for one conversion.
@@ -37,7 +45,11 @@ private:
         return {m_record, this, m_xsltFile, m_outputExtension, m_outputName, m_outputFile};
     }
 
+    static constexpr int64_t kQueryMode = -123;
+
     CreateRecord m_record;
+    frmDSPSettings m_settingsDialog;
+    XString m_configString;
     XString m_xsltFile;
     XString m_outputExtension;
     XString m_outputName;

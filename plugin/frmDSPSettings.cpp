@@ -1,0 +1,104 @@
+#include "plugin/frmDSPSettings.h"
+
+#include "plugin/Module.h"
+#include "plugin/ParseOptions.h"
+#include "resources/resource.h"
+#include "support/ProgramFolder.h"
+
+#include <commdlg.h>
+
+#include <iterator>
+
+namespace {
+
+constexpr int kFieldSize = 260;             // units read from a field, the terminator included
+constexpr int kIconSize = 24;               // pixels at 96 dots per inch
+constexpr RECT kIconPlace = {284, 1, 1, 1}; // dialog units; only left and top count
+
+HMODULE ResourceModule() noexcept {
+    return moduleHandle != nullptr ? moduleHandle : GetModuleHandleW(nullptr);
+}
+
+/// Lets the user choose a style sheet for the panel's field. Works on the window alone: while the file dialog
+/// is open, the host may close the panel and with it destroy the object behind it.
+void Browse(HWND panel) {
+    XString folder = ModuleFolder(ResourceModule());
+    folder.Append(L"XSLT");
+    wchar_t path[260] = {};
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof(dialog);
+    dialog.hwndOwner = panel;
+    dialog.lpstrFilter = L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0";
+    dialog.nFilterIndex = 1;
+    dialog.lpstrFile = path;
+    dialog.nMaxFile = static_cast<DWORD>(std::size(path));
+    dialog.lpstrInitialDir = folder.Text();
+    if (GetOpenFileNameW(&dialog)) {
+        SetDlgItemTextW(panel, IDC_XSLT_FILE, path);
+    }
+}
+
+} // namespace
+
+HWND frmDSPSettings::Show(HWND parent, int32_t x, int32_t y, const wchar_t* settings) {
+    m_x = x;
+    m_y = y;
+    m_settings.Assign(settings);
+    Destroy();
+    CreateDialogParamW(ResourceModule(), MAKEINTRESOURCEW(IDD_SETTINGS), parent, DialogProc,
+                       reinterpret_cast<LPARAM>(static_cast<XWindow*>(this)));
+    return Hwnd();
+}
+
+XString frmDSPSettings::ReadSettings() const {
+    wchar_t xsltFile[kFieldSize] = {};
+    wchar_t extension[kFieldSize] = {};
+    if (Hwnd() != nullptr) {
+        GetDlgItemTextW(Hwnd(), IDC_XSLT_FILE, xsltFile, kFieldSize);
+        GetDlgItemTextW(Hwnd(), IDC_EXTENSION, extension, kFieldSize);
+    }
+    return FormatOptions(xsltFile, extension);
+}
+
+void frmDSPSettings::OnInit() {
+    MoveTo(m_x, m_y);
+    m_toolTip.Start(*this);
+    m_icon.Load(ResourceModule(), IDI_PLUGIN, ScaleToScreen(kIconSize));
+    m_labelFont = FitLabels(Hwnd());
+    // The label stands behind its field, where assistive programs do not look.
+    m_xsltFileName.Set(GetDlgItem(Hwnd(), IDC_XSLT_FILE), L"Apply XSLT file:");
+    m_cmdHelp.Attach(GetDlgItem(Hwnd(), IDHELP)); // the dialog need not have such a button
+
+    OptionLists options;
+    ParseOptions(options, m_settings);
+    SetDlgItemTextW(Hwnd(), IDC_XSLT_FILE, FindOption(options, L"xsltfile"));
+    SetDlgItemTextW(Hwnd(), IDC_EXTENSION, FindOption(options, L"ext"));
+}
+
+bool frmDSPSettings::OnDestroy() {
+    m_toolTip.Stop();
+    m_xsltFileName.Clear();
+    return true;
+}
+
+void frmDSPSettings::OnPaint() {
+    RECT place = kIconPlace;
+    MapDialogRect(Hwnd(), &place);
+    PAINTSTRUCT paint;
+    if (const HDC dc = BeginPaint(Hwnd(), &paint); dc != nullptr) {
+        m_icon.Draw(dc, place.left, place.top);
+        EndPaint(Hwnd(), &paint);
+    }
+}
+
+LRESULT frmDSPSettings::OnMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, bool& handled) {
+    const LRESULT result = m_toolTip.OnMessage(hwnd, message, wParam, lParam, handled);
+    if (handled) {
+        return result;
+    }
+    if (message == WM_COMMAND && LOWORD(wParam) == IDC_BROWSE) {
+        handled = true;
+        Browse(hwnd);
+    }
+    return 0;
+}

@@ -10,6 +10,7 @@
 
 const wchar_t* const kHelp =
     LR"(Usage: dsphost [--plugin DLL] [--settings TEXT] [--trace FILE] [--errors FILE] [--repeat N] SOURCE CONVERTED
+       dsphost --panel [--plugin DLL] [--settings TEXT] [--trace FILE] [--errors FILE]
 
 Stands in for the converter: loads the plug-in and drives it through the conversion of SOURCE, which may be "-"
 for none on disk, into CONVERTED, which must have been converted before. What the converter reports about the
@@ -21,6 +22,9 @@ two files comes from the decoder libraries in the folder "decoder" beside this p
   --errors FILE    write the plug-in's error lines to FILE, too (UTF-16)
   --repeat N       convert N times with one instance of the plug-in and tell the time, memory and handles it took
   --help           show this text
+
+With --panel it shows the plug-in's settings panel in a window and converts nothing. OK prints the settings text
+that comes back; Cancel prints nothing and ends with exit status 1.
 
 Exit status: 0 when a document was written, 1 when something failed or the plug-in reported an error, 2 when the
 arguments are wrong.)";
@@ -105,6 +109,10 @@ XString ParseArguments(const XStringList& arguments, Options& options) {
             options.help = true;
             return XString();
         }
+        if (IsEqual(argument, L"--panel")) {
+            options.panel = true;
+            continue;
+        }
         if (textValue != nullptr || isRepeat) {
             if (++i == arguments.Count()) {
                 return Concat(argument, L" needs a value");
@@ -120,7 +128,10 @@ XString ParseArguments(const XStringList& arguments, Options& options) {
             (fileCount == 1 ? options.source : options.converted).Assign(argument.Text());
         }
     }
-    if (fileCount != 2) {
+    if (options.panel && fileCount != 0) {
+        return XString(L"--panel takes no files");
+    }
+    if (!options.panel && fileCount != 2) {
         return XString(L"one SOURCE and one CONVERTED file are needed");
     }
     if (options.plugin.IsEmpty()) {

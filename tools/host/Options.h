@@ -14,6 +14,7 @@ struct Options {
     uint32_t repeat = 1;
     XString source; ///< "-" when there is no source file on disk
     XString converted;
+    bool panel = false; ///< show the settings panel and convert nothing
     bool help = false;
 };
 

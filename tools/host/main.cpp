@@ -4,6 +4,7 @@
 #include "tools/host/DocumentFile.h"
 #include "tools/host/LogFiles.h"
 #include "tools/host/Options.h"
+#include "tools/host/Panel.h"
 #include "tools/host/ProcessUse.h"
 
 #include <cwchar>
@@ -62,6 +63,14 @@ bool Convert(const PluginInstance& instance, const Options& options) {
     return hasFacts && done;
 }
 
+bool EditSettings(const PluginInstance& instance, XString settings) {
+    if (!ShowPanel(instance, settings)) {
+        return false;
+    }
+    PrintLine(settings);
+    return true;
+}
+
 ExitStatus Run(const Options& options) {
     PluginLibrary plugin;
     LogFiles logs;
@@ -75,7 +84,9 @@ ExitStatus Run(const Options& options) {
             PrintError(XString(L"The plug-in does not take part in live conversions"));
             done = false;
         }
-        done = Convert(instance, options) && done;
+        const bool worked = options.panel ? EditSettings(instance, XString(options.settings.Text()))
+                                          : Convert(instance, options);
+        done = worked && done;
     }
     const XString errors = logs.ReadErrors();
     if (!errors.IsEmpty()) {

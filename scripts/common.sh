@@ -76,10 +76,10 @@ start_wine() {
         wineserver -k # writes the registry to disk
         touch "$WINEPREFIX/prepared"
     fi
-    # Wine's services inherit what is open when they start, so they start with nothing that anyone waits for.
-    # A server that is running already serves as well.
+    # Wine's services and its desktop inherit what is open when they start, so they start with nothing that anyone
+    # waits for or writes anew. A server that is running already serves as well.
     wineserver -p </dev/null >/dev/null 2>&1 || true
-    run_wine cmd /c exit </dev/null >/dev/null 2>&1 || fail "Wine does not start a program"
+    run_wine rundll32 user32.dll,MessageBeep </dev/null >/dev/null 2>&1 || fail "Wine does not start a program"
 }
 
 # start_display: an X display of our own, for programs that show windows, until the script ends.

@@ -30,8 +30,10 @@ std::vector<uint8_t> MakeTags(int32_t count, size_t valueSize) {
         value += L"nine & ten"[value.size() % 10];
     }
     for (int32_t i = 0; i < count; ++i) {
-        const std::wstring name = L"Tag " + std::to_wstring(i);
-        const std::wstring texts = name + L'\0' + value + L'\0';
+        std::wstring texts = L"Tag " + std::to_wstring(i);
+        texts += L'\0';
+        texts += value;
+        texts += L'\0';
         const int32_t size = static_cast<int32_t>(sizeof size + texts.size() * sizeof(wchar_t));
         const size_t at = blob.size();
         blob.resize(at + static_cast<size_t>(size));

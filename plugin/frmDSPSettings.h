@@ -17,6 +17,8 @@
 class frmDSPSettings final : public XWindow {
 public:
     frmDSPSettings() noexcept = default;
+    frmDSPSettings(const frmDSPSettings&) = delete;
+    frmDSPSettings& operator=(const frmDSPSettings&) = delete;
     ~frmDSPSettings() override { Destroy(); }
 
     /// Makes the panel as a child of `parent` at (x, y) of its client area, in place of a panel that is still

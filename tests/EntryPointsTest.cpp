@@ -2,6 +2,8 @@
 
 #include <winsock2.h>
 
+#include <psapi.h>
+
 namespace {
 
 TEST(EntryPoints, NullInstancesAreAnsweredWithoutEffect) {
@@ -65,6 +67,21 @@ TEST(EntryPoints, WorksWithoutAnyHandle) {
         EXPECT_EQ(CALL_PLUGIN(DSP_Get, instance, L"IsLive"), 1);
         EXPECT_EQ(CALL_PLUGIN(DSP_Destroy, instance), 1);
     }
+}
+
+TEST(EntryPoints, LoadingAndFreeingLeavesNothingBehind) {
+    const auto memoryAfter = [](int rounds) {
+        for (int i = 0; i < rounds; ++i) {
+            const LoadedPlugin plugin;
+            const CreateRecord record = {};
+            EXPECT_EQ(CALL_PLUGIN(DSP_Destroy, CALL_PLUGIN(DSP_Create, &record)), 1);
+        }
+        PROCESS_MEMORY_COUNTERS memory = {};
+        GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+        return memory.PagefileUsage;
+    };
+    const SIZE_T before = memoryAfter(20);
+    EXPECT_LT(memoryAfter(60), before + 100 * 1024) << "bytes";
 }
 
 TEST(EntryPoints, LoadingStartsWinsockAndFreeingStopsIt) {

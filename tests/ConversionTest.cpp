@@ -4,98 +4,32 @@
 
 namespace {
 
-// The lines of one successful reading.
-std::wstring Reading(const std::wstring& method, const std::wstring& what, const std::wstring& readingWhat,
-                     const std::wstring& file, const std::wstring& middle = L"") {
-    const std::wstring scope = L"  [clDSP_WriteMetadataFile::" + method + L"]\r\n";
-    return L"    ->->" + scope + L"      Reading " + readingWhat + L" from file '" + file + L"'\r\n" +
-           middle + L"      Finished reading " + what + L" from file '" + file + L"'\r\n" + L"    <-<-" +
-           scope;
-}
-
-std::wstring Times(size_t count) {
-    std::wstring lines;
-    for (; count > 0; --count) {
-        lines += L"    ->->  [clDSP_WriteMetadataFile::GetFormattedFileDateTime]\r\n"
-                 L"    <-<-  [clDSP_WriteMetadataFile::GetFormattedFileDateTime]\r\n";
+// Expected texts lie in tests/data, with "@…@" where a run has its own folder and times.
+std::string Expected(const wchar_t* file, const std::map<std::string, std::string>& run) {
+    const std::string pattern = ReadBytes(std::wstring(L"data\\") + file);
+    std::string text;
+    for (size_t at = 0; at < pattern.size(); ++at) {
+        if (pattern[at] == '\n') {
+            text += "\r\n";
+        } else if (pattern[at] == '@') {
+            const size_t end = pattern.find('@', at + 1);
+            text += run.at(pattern.substr(at + 1, end - at - 1));
+            at = end;
+        } else {
+            text += pattern[at];
+        }
     }
-    return lines;
+    return text;
 }
 
 TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
+    const std::map<std::string, std::string> run = {{"FOLDER", Narrow(folder)},
+                                                    {"SOURCE CREATED", Created(source)},
+                                                    {"CONVERTED CREATED", Created(converted)},
+                                                    {"TAG BYTES", std::to_string(library.idTags.size())}};
     const std::wstring trace = Convert();
-    const std::string place = Narrow(folder);
-    EXPECT_EQ(ReadBytes(document), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
-                                   "<AudioMetadata>\r\n"
-                                   "\t<SourceFile>\r\n"
-                                   "\t\t<FileName>in.tst</FileName>\r\n"
-                                   "\t\t<FileNameNoExt>in</FileNameNoExt>\r\n"
-                                   "\t\t<FileNameExt>.tst</FileNameExt>\r\n"
-                                   "\t\t<FileNamePath>" +
-                                       place +
-                                       "</FileNamePath>\r\n"
-                                       "\t\t<FileSize>9223372036854775807</FileSize>\r\n"
-                                       "\t\t<FileLength>-9223372036854775808</FileLength>\r\n"
-                                       "\t\t<FileBitrate>-7</FileBitrate>\r\n"
-                                       "\t\t<FileCreated>" +
-                                       Created(source) +
-                                       "</FileCreated>\r\n"
-                                       "\t\t<FileModified>2024-03-07T13:05:09</FileModified>\r\n"
-                                       "\t\t<FileAccessed>2024-03-07T14:05:09</FileAccessed>\r\n"
-                                       "\t\t<AudioProperties>\r\n"
-                                       "\t\t\t<SampleRate name=\"Sample Rate\">8000</SampleRate>\r\n"
-                                       "\t\t</AudioProperties>\r\n"
-                                       "\t\t<AudioFormat>\r\n"
-                                       "\t\t\t<Channels>1</Channels>\r\n"
-                                       "\t\t\t<SamplesPerSec>8000</SamplesPerSec>\r\n"
-                                       "\t\t\t<BitsPerSample>8</BitsPerSample>\r\n"
-                                       "\t\t\t<AvgBytesPerSec>1</AvgBytesPerSec>\r\n"
-                                       "\t\t</AudioFormat>\r\n"
-                                       "\t\t<IDTags>\r\n"
-                                       "\t\t\t<Title name=\"Title\">Caf\xC3\xA9 &amp; more</Title>\r\n"
-                                       "\t\t\t<Artist name=\"Artist\">A</Artist>\r\n"
-                                       "\t\t\t<Artist name=\"Artist\">B</Artist>\r\n"
-                                       "\t\t</IDTags>\r\n"
-                                       "\t</SourceFile>\r\n"
-                                       "\t<ConvertedFile>\r\n"
-                                       "\t\t<FileName>out.c.OUT</FileName>\r\n"
-                                       "\t\t<FileNameNoExt>out.c</FileNameNoExt>\r\n"
-                                       "\t\t<FileNameExt>.OUT</FileNameExt>\r\n"
-                                       "\t\t<FileNamePath>" +
-                                       place +
-                                       "</FileNamePath>\r\n"
-                                       "\t\t<FileSize>9</FileSize>\r\n"
-                                       "\t\t<FileLength>1234</FileLength>\r\n"
-                                       "\t\t<FileBitrate>705</FileBitrate>\r\n"
-                                       "\t\t<FileCreated>" +
-                                       Created(converted) +
-                                       "</FileCreated>\r\n"
-                                       "\t\t<FileModified>1999-12-31T23:59:59</FileModified>\r\n"
-                                       "\t\t<FileAccessed>2000-01-01T00:59:59</FileAccessed>\r\n"
-                                       "\t\t<AudioProperties>\r\n"
-                                       "\t\t\t<Codec name=\"Codec\">Test</Codec>\r\n"
-                                       "\t\t</AudioProperties>\r\n"
-                                       "\t\t<AudioFormat>\r\n"
-                                       "\t\t\t<Channels>2</Channels>\r\n"
-                                       "\t\t\t<SamplesPerSec>44100</SamplesPerSec>\r\n"
-                                       "\t\t\t<BitsPerSample>16</BitsPerSample>\r\n"
-                                       "\t\t\t<AvgBytesPerSec>176400</AvgBytesPerSec>\r\n"
-                                       "\t\t</AudioFormat>\r\n"
-                                       "\t\t<IDTags>\r\n"
-                                       "\t\t\t<Artist name=\"Artist\">C</Artist>\r\n"
-                                       "\t\t\t<Artist name=\"Artist\">D</Artist>\r\n"
-                                       "\t\t</IDTags>\r\n"
-                                       "\t</ConvertedFile>\r\n"
-                                       "</AudioMetadata>\r\n");
-    const std::wstring scope = L"  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n";
-    EXPECT_EQ(trace, PluginInstance::Framed(
-                         L"  ->->" + scope + L"    " + document + scope +
-                         Reading(L"GetAudioInfo", L"audio info", L"audio info", converted) +
-                         Reading(L"GetAudioProperties", L"audio properties", L"audio properties", converted) +
-                         Reading(L"GetIDTags", L"ID tags", L"audio ID tags", source,
-                                 L"      Pass.IDTagByteSize: " + std::to_wstring(library.idTags.size()) +
-                                     L"  [clDSP_WriteMetadataFile::GetIDTags]\r\n") +
-                         Times(6) + L"  <-<-" + scope));
+    EXPECT_EQ(ReadBytes(document), Expected(L"document.xml", run));
+    EXPECT_EQ(Narrow(trace), Expected(L"trace.txt", run));
     EXPECT_EQ(plugin.Errors(), L"");
 }
 

@@ -27,8 +27,9 @@ clDSP_WriteMetadataFile* DSP_Create(const CreateRecord* record);
 int32_t DSP_Destroy(clDSP_WriteMetadataFile* instance);
 
 /// Makes the settings panel as a child of the host's window at (x, y) of its client area, in place of one
-/// that is still open, filled from the settings text. A coordinate of -12345 is left to the dialog manager.
-/// The panel's window, or 0 when it could not be made. The host's message loop serves it (IsDialogMessage).
+/// that is still open, filled from the settings text. A coordinate of -12345 stays as the dialog manager set
+/// it. The panel's window, or 0 when it could not be made. The host's message loop serves it
+/// (IsDialogMessage).
 HWND DSP_ShowConfigBit(clDSP_WriteMetadataFile* instance, HWND parent, int32_t x, int32_t y,
                        const wchar_t* settings);
 

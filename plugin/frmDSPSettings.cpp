@@ -67,7 +67,7 @@ void frmDSPSettings::OnInit() {
     m_labelFont = FitLabels(Hwnd());
     // The label stands behind its field, where assistive programs do not look.
     m_xsltFileName.Set(GetDlgItem(Hwnd(), IDC_XSLT_FILE), L"Apply XSLT file:");
-    m_cmdHelp.Attach(GetDlgItem(Hwnd(), IDHELP)); // the dialog need not have such a button
+    m_cmdHelp.Attach(GetDlgItem(Hwnd(), IDHELP)); // the layout of today has no such button
 
     OptionLists options;
     ParseOptions(options, m_settings);

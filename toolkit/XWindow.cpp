@@ -58,10 +58,11 @@ LRESULT XWindow::Dispatch(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 INT_PTR CALLBACK XWindow::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     // No exception may pass through the system's frames: when memory runs out, the message is not handled.
     try {
-        if (message == WM_INITDIALOG) {
-            reinterpret_cast<XWindow*>(lParam)->Register(hwnd, true);
-        }
         XWindow* window = Find(hwnd);
+        if (window == nullptr && message == WM_INITDIALOG) { // from the dialog manager, not from a stranger
+            window = reinterpret_cast<XWindow*>(lParam);
+            window->Register(hwnd, true);
+        }
         return window != nullptr ? window->Dispatch(hwnd, message, wParam, lParam) : FALSE;
     } catch (const std::bad_alloc&) {
         return FALSE;
@@ -87,10 +88,10 @@ bool XWindow::CallOperation(UINT message, WPARAM wParam, LPARAM lParam, LRESULT&
     case WM_CONTEXTMENU:    return OnContextMenu(reinterpret_cast<HWND>(wParam), x, y);
     case WM_COMMAND:        return CallCommand(low, high, window);
     case WM_INITDIALOG:
-    case WM_CREATE:         return OnInit(), true;
+    case WM_CREATE:         OnInit(); return true;
     case WM_DESTROY:        return OnDestroy();
-    case WM_DRAWITEM:       return OnDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-    case WM_ERASEBKGND:     return result = OnEraseBackground(dc) ? 1 : 0, result != 0;
+    case WM_DRAWITEM:       return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case WM_ERASEBKGND:     result = OnEraseBackground(dc) ? 1 : 0; return result != 0;
     case WM_SHOWWINDOW:     return wParam != 0 ? OnShow() : OnHide();
     case WM_KEYDOWN:        return OnKeyDown(static_cast<UINT>(wParam));
     case WM_KEYUP:          return OnKeyUp(static_cast<UINT>(wParam));
@@ -107,10 +108,10 @@ bool XWindow::CallOperation(UINT message, WPARAM wParam, LPARAM lParam, LRESULT&
     case WM_MOUSEMOVE:      return OnMouseMove(x, y, low);
     case WM_MOUSEWHEEL:     return OnMouseWheel(x, y, GET_WHEEL_DELTA_WPARAM(wParam), low);
     case WM_MOVE:           return OnMove(x, y);
-    case WM_NOTIFY:         return OnNotify(*reinterpret_cast<NMHDR*>(lParam), result);
-    case WM_PAINT:          return OnPaint(), false;
+    case WM_NOTIFY:         return OnNotify(reinterpret_cast<NMHDR*>(lParam), result);
+    case WM_PAINT:          OnPaint(); return false;
     case WM_SIZE:           return OnSize(LOWORD(lParam), HIWORD(lParam), static_cast<UINT>(wParam));
-    case WM_SYSCOMMAND:     return OnSysCommand(static_cast<UINT>(wParam & 0xFFF0)), false;
+    case WM_SYSCOMMAND:     OnSysCommand(static_cast<UINT>(wParam & 0xFFF0)); return false;
     case WM_TIMER:          return CallTimer(wParam);
     case WM_CTLCOLORSTATIC: return brush(OnCtlColorStatic(dc));
     case WM_CTLCOLORDLG:    return brush(OnCtlColorDialog(dc));

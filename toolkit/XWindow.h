@@ -75,7 +75,7 @@ protected:
     virtual bool OnDestroy() { return false; }
     /// WM_ACTIVATE that deactivates.
     virtual bool OnDeactivate(HWND /*other*/, bool /*minimised*/) { return false; }
-    virtual bool OnDrawItem(const DRAWITEMSTRUCT& /*item*/) { return false; }
+    virtual bool OnDrawItem(const DRAWITEMSTRUCT* /*item*/) { return false; }
     /// The result is 1 when handled.
     virtual bool OnEraseBackground(HDC /*dc*/) { return false; }
     virtual bool OnHide() { return false; }
@@ -92,7 +92,7 @@ protected:
     /// Position of the client area in the parent's, for a window without parent on the screen.
     virtual bool OnMove(int /*x*/, int /*y*/) { return false; }
     /// `result` becomes the result of the message when handled.
-    virtual bool OnNotify(NMHDR& /*header*/, LRESULT& /*result*/) { return false; }
+    virtual bool OnNotify(NMHDR* /*header*/, LRESULT& /*result*/) { return false; }
     /// The message goes to default processing afterwards, which finds nothing to do after a BeginPaint here.
     virtual void OnPaint() {}
     virtual bool OnShow() { return false; }

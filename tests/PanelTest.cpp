@@ -418,12 +418,14 @@ TEST_F(Panel, NamesItsFirstField) {
 constexpr int kFileName = 0x47c; // controls of the system's file dialog
 constexpr int kFileTypes = 0x470;
 
-/// The file dialog that belongs to the window, once it is there.
+/// The file dialog that belongs to the window, once it is there; other tests may have one open as well.
 HWND WaitForFileDialog(HWND owner) {
     for (int tries = 0; tries < 1000; ++tries, Sleep(10)) {
-        const HWND dialog = FindWindowW(MAKEINTRESOURCEW(32770), nullptr);
-        if (dialog != nullptr && GetWindow(dialog, GW_OWNER) == owner && IsWindowVisible(dialog)) {
-            return dialog;
+        HWND dialog = nullptr;
+        while ((dialog = FindWindowExW(nullptr, dialog, MAKEINTRESOURCEW(32770), nullptr)) != nullptr) {
+            if (GetWindow(dialog, GW_OWNER) == owner && IsWindowVisible(dialog)) {
+                return dialog;
+            }
         }
     }
     return nullptr;

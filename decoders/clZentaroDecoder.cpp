@@ -48,7 +48,10 @@ void clZentaroDecoder::DestroyInstance() noexcept {
 }
 
 bool clZentaroDecoder::Decodes(const wchar_t* extension) const noexcept {
-    for (uint32_t index = 0; m_instance != nullptr; ++index) {
+    if (m_instance == nullptr) {
+        return false;
+    }
+    for (uint32_t index = 0;; ++index) {
         DecoderGetRecord record = {};
         record.index = index;
         if (m_get(m_instance, L"Decodes", &record) == 0 || record.text == nullptr) {

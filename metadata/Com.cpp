@@ -6,7 +6,7 @@ namespace {
 
 void CheckCreation(HRESULT result) {
     if (FAILED(result) && result != E_NOINTERFACE) {
-        throw ComError{result, XString()};
+        throw ComError{};
     }
 }
 
@@ -27,7 +27,7 @@ XString DescribeError(IUnknown* object, const GUID& interfaceId) {
 
 void CheckCall(HRESULT result, IUnknown* object, const GUID& interfaceId) {
     if (FAILED(result)) {
-        throw ComError{result, DescribeError(object, interfaceId)};
+        throw ComError{DescribeError(object, interfaceId)};
     }
 }
 

@@ -12,10 +12,8 @@
 
 // Owners for what COM hands out, and the exception that carries its failures through the XSLT step.
 
-/// A failed COM call: its result and the description from the object's error information, empty when there is
-/// none.
+/// A failed COM call, with the description from the object's error information; empty when there is none.
 struct ComError {
-    HRESULT result;
     XString description;
 };
 
@@ -54,10 +52,10 @@ public:
     /// Where a call stores the reference that it gives; only for a pointer that holds none.
     Interface** Receive() noexcept { return &m_object; }
 
-    /// Throws ComError with E_POINTER when there is no object.
+    /// Throws ComError, without a description, when there is no object.
     Interface* operator->() const {
         if (m_object == nullptr) {
-            throw ComError{E_POINTER, XString()};
+            throw ComError{};
         }
         return m_object;
     }

@@ -3,6 +3,8 @@
 #include "decoders/FindDecoder.h"
 #include "support/XFileFind.h"
 
+#include <iterator>
+
 namespace {
 
 /// How one of the three readers differs from the others. Every message is followed by the file name and "'".

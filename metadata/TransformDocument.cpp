@@ -110,7 +110,7 @@ private:
         Check(m_styleSheet->load(Variant(path).Get(), &loaded), m_styleSheet);
         if (loaded == VARIANT_FALSE) {
             LogError(L"Loading XSL failed", m_log, m_scope);
-            // Hosts have always been given the document's reason here, which is empty as a rule.
+            // Of the document, not of the style sheet: the reason is empty as a rule.
             ReportParseError();
             return false;
         }
@@ -152,9 +152,8 @@ private:
         if (size > std::numeric_limits<uint32_t>::max()) {
             throw std::bad_alloc();
         }
-        out.SetSize(static_cast<uint32_t>(size));
         if (const void* bytes = size != 0 ? GlobalLock(block) : nullptr; bytes != nullptr) {
-            std::copy_n(static_cast<const uint8_t*>(bytes), size, out.Data());
+            out.Assign(bytes, static_cast<uint32_t>(size));
             GlobalUnlock(block);
         }
     }

@@ -40,7 +40,4 @@ WaveFormat::WaveFormat(const AudioFormat& format) noexcept : m_format(format) {
     if (m_format.nAvgBytesPerSec == 0) {
         m_format.nAvgBytesPerSec = 1;
     }
-    if (m_format.nBlockAlign == 0) {
-        m_format.nBlockAlign = 1;
-    }
 }

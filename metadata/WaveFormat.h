@@ -3,7 +3,7 @@
 #include "decoders/DecoderRecords.h"
 
 /// A normalised copy of an audio format. For PCM and IEEE float, plain or extensible, block size and byte
-/// rate are worked out anew from channels, bits and sample rate; neither is ever 0. Pure code.
+/// rate are worked out anew from channels, bits and sample rate. The byte rate is never 0. Pure code.
 class WaveFormat {
 public:
     explicit WaveFormat(const AudioFormat& format) noexcept;

@@ -17,7 +17,8 @@ class clDSP_WriteMetadataFile;
 //
 // on one thread for each instance. Every function but DSP_Create takes the instance first; a null instance is
 // answered with 0 (by DSP_Destroy with 1) and has no effect. Texts are zero-terminated UTF-16. Failures of
-// the metadata work are told in the trace and error handles of the CreateRecord, never in a result.
+// the metadata work are told in the trace and error handles of the CreateRecord, never in a result; a call
+// that ran out of memory answers 0.
 extern "C" {
 
 /// A new instance holding a copy of the record, whose handles stay the host's. Throws std::bad_alloc.

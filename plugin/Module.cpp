@@ -6,7 +6,7 @@ HMODULE moduleHandle = nullptr;
 
 namespace {
 
-/// Winsock is up for as long as the library is loaded, for the host's other stages that count on it.
+/// Winsock is up for as long as the library is loaded.
 class WinsockScope {
 public:
     WinsockScope() noexcept {

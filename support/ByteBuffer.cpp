@@ -1,17 +1,22 @@
 #include "support/ByteBuffer.h"
 
 #include <cstring>
+#include <utility>
 
-void ByteBuffer::SetSize(uint32_t size) {
-    if (size > m_capacity) {
-        m_bytes.reset(new uint8_t[size]);
-        m_capacity = size;
+ByteBuffer::ByteBuffer(ByteBuffer&& other) noexcept
+    : m_bytes(std::move(other.m_bytes)), m_size(std::exchange(other.m_size, 0)) {}
+
+ByteBuffer& ByteBuffer::operator=(ByteBuffer&& other) noexcept {
+    if (this != &other) {
+        m_bytes = std::move(other.m_bytes);
+        m_size = std::exchange(other.m_size, 0);
     }
-    m_size = size;
+    return *this;
 }
 
 void ByteBuffer::Assign(const void* data, uint32_t size) {
-    SetSize(size);
+    m_bytes.reset(size != 0 ? new uint8_t[size] : nullptr);
+    m_size = size;
     if (size != 0) {
         std::memcpy(m_bytes.get(), data, size);
     }

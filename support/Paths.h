@@ -5,7 +5,7 @@
 // Splitting and joining of paths. The backslash is the only separator: a forward slash is an ordinary
 // character. Pure code.
 
-/// Longest path, in characters, that CreateFileW and FindFirstFileW take without the "\\?\" prefix, plus one.
+/// Lengths, in characters, from which a path gets the "\\?\" prefix: to be opened, and to be scanned.
 inline constexpr size_t kOpenPathLimit = 260;
 inline constexpr size_t kScanPathLimit = 248;
 

@@ -15,11 +15,13 @@ bool XFile::Open(const XString& fileName, DWORD access, DWORD disposition) {
 }
 
 bool XFile::Write(const void* data, size_t count) noexcept {
-    if (count != 0 && (data == nullptr || !IsOpen())) {
+    if (data == nullptr) {
+        return count == 0;
+    }
+    if (!IsOpen()) {
         return false;
     }
-    // Network redirectors refuse very large single writes, and one call counts in 32 bits.
-    constexpr size_t kLargestWrite = size_t{16} << 20;
+    constexpr size_t kLargestWrite = size_t{1} << 30; // one call counts in 32 bits
     const char* rest = static_cast<const char*>(data);
     while (count != 0) {
         const DWORD piece = static_cast<DWORD>(std::min(count, kLargestWrite));

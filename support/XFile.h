@@ -15,8 +15,8 @@ public:
 
     bool IsOpen() const noexcept { return m_file.IsValid(); }
 
-    /// Writes all of the bytes at the current position; false when fewer were written or nothing is open. No
-    /// bytes at all are always written, even from a null pointer.
+    /// Writes all of the bytes at the current position; false when fewer were written or nothing is open. A
+    /// null pointer is good for no bytes at all.
     bool Write(const void* data, size_t count) noexcept;
 
     void Close() noexcept { m_file.Reset(); }

@@ -11,6 +11,7 @@ protected:
         WriteTestFile(converted, "converted");
         SetTimes(source, {2024, 3, 4, 7, 13, 5, 9, 0});
         SetTimes(converted, {1999, 12, 5, 31, 23, 59, 59, 0});
+        decoders.ExpectContext(plugin.Instance());
         library.decodes = {L".tst", L".OUT", L".wav"};
         library.audioInfo.format.wFormatTag = 1;
         library.audioInfo.format.nChannels = 2;
@@ -75,7 +76,7 @@ protected:
     FixtureBehaviour& library = decoders.Add(L"lib.dll");
     PluginInstance plugin;
     std::wstring folder = plugin.Folder().Path(L"");
-    std::wstring source = folder + L"in.tst";
+    std::wstring source = folder + L"in & out.tst";
     std::wstring converted = folder + L"out.c.OUT";
     std::wstring document = folder + L"out.c.xml";
     AudioInfo sourceInfo = {};

@@ -4,6 +4,14 @@
 
 namespace {
 
+size_t Count(const std::string& text, const std::string& what) {
+    size_t count = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
 // Expected texts lie in tests/data, with "@…@" where a run has its own folder and times.
 std::string Expected(const wchar_t* file, const std::map<std::string, std::string>& run) {
     const std::string pattern = ReadBytes(std::wstring(L"data\\") + file);
@@ -27,6 +35,7 @@ TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
                                                     {"SOURCE CREATED", Created(source)},
                                                     {"CONVERTED CREATED", Created(converted)},
                                                     {"TAG BYTES", std::to_string(library.idTags.size())}};
+    decoders.WriteCallsTo(plugin.TraceHandle());
     const std::wstring trace = Convert();
     EXPECT_EQ(ReadBytes(document), Expected(L"document.xml", run));
     EXPECT_EQ(Narrow(trace), Expected(L"trace.txt", run));
@@ -35,7 +44,7 @@ TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
 
 TEST_F(ConversionTest, CallsTheDecoderLibrariesInOrder) {
     decoders.Add(L"a.dll").decodes = {L".other"};
-    decoders.Add(L"b.dll", L"incomplete").decodes = {L".OUT"};
+    decoders.Add(L"b.dll", "DeleteATag").decodes = {L".OUT"};
     decoders.Add(L"c.dll").failingCreate = 1;
     // The first reading scans the folder, the second has its library from the cache, the third scans anew for
     // the source's extension.
@@ -48,62 +57,76 @@ TEST_F(ConversionTest, CallsTheDecoderLibrariesInOrder) {
 }
 
 TEST_F(ConversionTest, ReaderFailuresLeaveTheRestOfTheDocument) {
-    const std::wstring lib = Decoders::PathOf(L"lib.dll");
+    const std::wstring ofConverted = L" from file '" + converted + L"'\r\n";
+    const std::wstring ofSource = L" from file '" + source + L"'\r\n";
     const struct {
         const char* label;
         std::function<void()> arrange;
         std::wstring errors;
         bool readsInfo, readsTags;
+        size_t finished = 3;
+        std::wstring tagSize = {};
     } rows[] = {
-        {"all is well", [] {}, L"", true, true},
-        {"Open fails", [this] { library.opens = false; },
-         L"Failed to read audio info from file '" + converted +
-             L"'\r\nFailed to read audio properties from file '" + converted +
-             L"'\r\nFailed to read ID tags from file '" + source + L"'\r\n",
-         false, false},
-        {"no list at all", [this] { library.listsAreNull = true; }, L"", true, false},
-        {"negative list sizes", [this] { library.sizeInstead = -5; }, L"", true, false},
+        {"all is well", [] {}, L"", true, true, 3, std::to_wstring(library.idTags.size())},
+        {"no list at all", [this] { library.listsAreNull = true, library.idTags = {}; }, L"", true, false, 3,
+         L"0"},
+        {"negative list sizes", [this] { library.sizeInstead = -5; }, L"", true, false, 3, L"-5"},
         {"second instance fails", [this] { library.failingCreate = 2; }, L"", false, true},
-        {"extension list without text", [this] { library.decodes = {}, library.textMissing = true; },
-         L"Failed to find decoder to read audio properties from file '" + converted +
-             L"'\r\nFailed to find decoder to read audio properties from file '" + converted +
-             L"'\r\nFailed to find decoder to read ID tags from file '" + source + L"'\r\n",
+        {"Open fails", [this] { library.opens = false; },
+         L"Failed to read audio info" + ofConverted + L"Failed to read audio properties" + ofConverted +
+             L"Failed to read ID tags" + ofSource,
          false, false},
+        {"extension list without text", [this] { library.decodes = {}, library.textMissing = true; },
+         L"Failed to find decoder to read audio properties" + ofConverted +
+             L"Failed to find decoder to read audio properties" + ofConverted +
+             L"Failed to find decoder to read ID tags" + ofSource,
+         false, false, 0},
     };
     const FixtureBehaviour good = library;
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.label);
         library = good;
         row.arrange();
-        Convert();
+        const std::wstring trace = Convert();
         const std::string written = ReadBytes(document);
-        EXPECT_EQ(plugin.Errors(), row.errors) << row.label;
-        EXPECT_EQ(written.find("<FileBitrate>705<") != std::string::npos, row.readsInfo) << row.label;
-        EXPECT_EQ(written.find("<FileBitrate>0<") == std::string::npos, row.readsInfo) << row.label;
-        EXPECT_EQ(written.find("<Title ") != std::string::npos, row.readsTags) << row.label;
-        DeleteFileW(document.c_str());
-        decoders.Calls();
+        EXPECT_EQ(plugin.Errors(), row.errors);
+        EXPECT_EQ(Count(written, "<FileBitrate>705<"), row.readsInfo ? 1u : 0u);
+        EXPECT_EQ(Count(written, "<FileBitrate>0<"), row.readsInfo ? 0u : 1u);
+        EXPECT_EQ(Count(written, "<Title "), row.readsTags ? 1u : 0u);
+        EXPECT_EQ(Count(Narrow(trace), "Finished reading "), row.finished);
+        if (!row.tagSize.empty()) {
+            EXPECT_EQ(Count(Narrow(trace), "Pass.IDTagByteSize: " + Narrow(row.tagSize) + " "), 1u);
+        }
+    }
+}
+
+TEST_F(ConversionTest, ALibraryNeedsAllNineExports) {
+    DeleteFileW(Decoders::PathOf(L"lib.dll").c_str());
+    for (const char* name :
+         {"Create", "Destroy", "Get", "Set", "Open", "Close", "DecodeBlock", "SetPosition", "DeleteATag"}) {
+        decoders.Add(L"a.dll", name).decodes = {L".OUT"};
+        Convert();
+        EXPECT_EQ(decoders.Calls().size(), 6u) << name << ": loaded and freed, three times";
     }
 }
 
 TEST_F(ConversionTest, EarlyEndsLeaveTheTraceOneLevelDeeper) {
     DeleteFileW(source.c_str());
-    DeleteFileW(Decoders::PathOf(L"lib.dll").c_str());
-    const std::wstring trace = Convert();
-    const std::wstring missing = L"'" + source + L"'";
-    const std::wstring noDecoder =
-        L"Failed to find decoder to read audio properties from file '" + converted + L"'\r\n";
-    std::wstring errors =
-        noDecoder + noDecoder + L"Error reading ID tags, file does not exist " + missing + L"\r\n";
-    for (int i = 0; i < 3; ++i) {
-        errors += L"Error reading file date time, file does not exist " + missing + L"\r\n";
+    DeleteFileW(converted.c_str());
+    const std::vector<std::wstring> lines = Lines(Convert());
+    const std::wstring missing = L", file does not exist '";
+    std::wstring errors = L"Error reading audio info" + missing + converted + L"'\r\n" +
+                          L"Error reading audio properties" + missing + converted + L"'\r\n" +
+                          L"Error reading ID tags" + missing + source + L"'\r\n";
+    for (const std::wstring& file : {source, source, source, converted, converted, converted}) {
+        errors += L"Error reading file date time" + missing + file + L"'\r\n";
     }
     EXPECT_EQ(plugin.Errors(), errors);
-    const std::vector<std::wstring> lines = Lines(trace);
-    ASSERT_EQ(lines.size(), 29u);
-    // Six early ends: the leave lines of the whole are six levels in, where they were entered at 1 and at 0.
-    EXPECT_EQ(lines[27], std::wstring(14, L' ') + L"<-<-  [clDSP_WriteMetadataFile::WriteXMLFile]");
-    EXPECT_EQ(lines[28], std::wstring(12, L' ') + L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]");
-    EXPECT_NE(ReadBytes(document).find("\t\t<FileCreated></FileCreated>\r\n"), std::string::npos);
+    ASSERT_EQ(lines.size(), 27u);
+    // Nine early ends: the last leave lines are nine levels further in than their enter lines at 1 and at 0.
+    EXPECT_EQ(lines[25], std::wstring(20, L' ') + L"<-<-  [clDSP_WriteMetadataFile::WriteXMLFile]");
+    EXPECT_EQ(lines[26], std::wstring(18, L' ') + L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]");
+    EXPECT_EQ(Count(ReadBytes(document), "\t\t<FileCreated></FileCreated>\r\n"), 2u);
 }
 
 TEST_F(ConversionTest, ADiscHasNoSourceFile) {
@@ -115,9 +138,12 @@ TEST_F(ConversionTest, ADiscHasNoSourceFile) {
                              "\t\t<FileBitrate>-7</FileBitrate>\r\n", "\t\t<FileCreated></FileCreated>\r\n",
                              "\t\t<FileModified></FileModified>\r\n", "\t\t<FileAccessed></FileAccessed>\r\n",
                              "\t\t<IDTags>\r\n\t\t</IDTags>\r\n"}) {
-        EXPECT_NE(written.find(line), std::string::npos) << line;
+        EXPECT_EQ(Count(written, line), 1u) << line;
     }
     EXPECT_EQ(plugin.Errors(), L"");
+    source = L"-x.tst"; // any other name is a file's
+    Convert();
+    EXPECT_EQ(Count(ReadBytes(document), "<FileName>-x.tst</FileName>"), 1u);
 }
 
 TEST_F(ConversionTest, SettingsDecideTheOutputPath) {
@@ -207,8 +233,13 @@ TEST_F(ConversionTest, FilesThatCannotBeOpenedHaveTheZeroTime) {
                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     ASSERT_TRUE(locked.IsValid());
     Convert();
-    EXPECT_NE(ReadBytes(document).find("\t\t<FileModified>1601-01-01T00:00:00</FileModified>\r\n"),
-              std::string::npos);
+    EXPECT_EQ(Count(ReadBytes(document), "\t\t<FileModified>1601-01-01T00:00:00</FileModified>\r\n"), 1u);
+    // A file that others write to is open to the plug-in as well.
+    const OwnedFile shared(CreateFileW(converted.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(shared.IsValid());
+    Convert();
+    EXPECT_EQ(Count(ReadBytes(document), "\t\t<FileModified>1999-12-31T23:59:59</FileModified>\r\n"), 1u);
 }
 
 TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
@@ -247,6 +278,9 @@ TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
     DeleteFileW(lib.c_str());
     Convert();
     EXPECT_EQ(Decoders::Cached(L".OUT"), a);
+    RegDeleteKeyW(HKEY_CURRENT_USER, Decoders::kCacheKey);
+    Convert();
+    EXPECT_EQ(Decoders::Cached(L".OUT"), L"none") << "reading creates the key";
     // Nor is a sub-folder ever a library, whatever its name; a file without extension is looked up as ".".
     CreateDirectoryW(a.c_str(), nullptr);
     converted = folder + L"bare";

@@ -38,6 +38,12 @@ TEST(DebugLog, IndentsTheTraceAndKeepsErrorsAtTheLeft) {
     EXPECT_EQ(ReadUtf16(files.errorPath), L"wrong  [B]\r\n\r\n");
 }
 
+TEST(DebugLog, TracesAnErrorBeforeItTellsIt) {
+    LogFiles files;
+    LogError(L"wrong", CreateRecord{files.trace.Get(), nullptr, files.trace.Get()}, nullptr);
+    EXPECT_EQ(ReadUtf16(files.tracePath), L"*** Error: wrong\r\nwrong\r\n");
+}
+
 TEST(DebugLog, CountsDepthWithoutAHandleAndAcrossOwners) {
     LogFiles files;
     Log(kEnter, CreateRecord{INVALID_HANDLE_VALUE, nullptr, nullptr}, nullptr);
@@ -49,7 +55,7 @@ TEST(DebugLog, CountsDepthWithoutAHandleAndAcrossOwners) {
 }
 
 DWORD WINAPI WriteManyLines(void* record) {
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         Log(kEnter, *static_cast<const CreateRecord*>(record), L"scope");
         Log(kLeave, *static_cast<const CreateRecord*>(record), L"scope");
     }
@@ -75,7 +81,7 @@ TEST(DebugLog, ThreadsShareOneDepthAndNeverMixLines) {
         depth += leaves ? 0 : 2;
         ++lines;
     }
-    EXPECT_EQ(lines, 1600u);
+    EXPECT_EQ(lines, 8000u);
     EXPECT_EQ(depth, 0u);
 }
 

@@ -21,14 +21,27 @@ public:
     Decoders(const Decoders&) = delete;
     Decoders& operator=(const Decoders&) = delete;
 
-    /// Adds a library under that name; the order in which the system lists them is that of their names.
-    FixtureBehaviour& Add(const wchar_t* name, const wchar_t* fixture = L"complete") {
-        EXPECT_TRUE(CopyFileW((L"fixtures\\" + std::wstring(fixture) + L".dll").c_str(), PathOf(name).c_str(),
-                              FALSE));
+    /// Adds a library under that name; the system lists them by their names. An export that is to be missing
+    /// gets another name in the library's file.
+    FixtureBehaviour& Add(const wchar_t* name, const std::string& missingExport = "") {
+        std::string bytes = ReadBytes(L"fixtures\\decoder.dll");
+        if (!missingExport.empty()) {
+            const size_t at = bytes.find('\0' + missingExport + '\0');
+            EXPECT_NE(at, std::string::npos) << missingExport;
+            ++bytes[at + missingExport.size()];
+        }
+        WriteTestFile(PathOf(name), bytes);
         return m_behaviours[name];
     }
 
-    FixtureBehaviour& Of(const std::wstring& name) { return m_behaviours[name]; }
+    FixtureBehaviour& Of(const std::wstring& name) {
+        FixtureBehaviour& behaviour = m_behaviours[name];
+        behaviour.context = m_context;
+        return behaviour;
+    }
+
+    /// What every library's Create has to be given from now on.
+    void ExpectContext(const void* context) { m_context = context; }
 
     /// What the libraries were told since the last call, one call each: "name: call".
     std::vector<std::wstring> Calls() { return std::exchange(m_calls, {}); }
@@ -42,13 +55,21 @@ public:
 
     static constexpr const wchar_t* kCacheKey = L"Software\\Brevik\\Zentaro\\DecoderCache64";
 
-    /// The stored text, or "none".
+    /// The stored text, "none", or "no key".
     static std::wstring Cached(const wchar_t* extension) {
-        wchar_t data[1000];
+        HKEY opened = nullptr;
+        if (RegOpenKeyExW(HKEY_CURRENT_USER, kCacheKey, 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS) {
+            return L"no key";
+        }
+        const OwnedKey key(opened);
+        wchar_t data[1000] = {};
         DWORD size = sizeof data;
-        const LSTATUS status =
-            RegGetValueW(HKEY_CURRENT_USER, kCacheKey, extension, RRF_RT_REG_SZ, nullptr, data, &size);
-        return status == ERROR_SUCCESS ? data : L"none";
+        if (RegQueryValueExW(opened, extension, nullptr, nullptr, reinterpret_cast<BYTE*>(data), &size) !=
+            ERROR_SUCCESS) {
+            return L"none";
+        }
+        EXPECT_EQ(size, (std::wstring(data).size() + 1) * sizeof(wchar_t)) << "the terminator is stored";
+        return data;
     }
 
     static void Store(const wchar_t* extension, const std::wstring& bytes, DWORD type = REG_SZ) {
@@ -57,8 +78,14 @@ public:
                   ERROR_SUCCESS);
     }
 
+    /// From now on the calls are written into this file, between the lines of the trace.
+    void WriteCallsTo(HANDLE trace) { m_trace = trace; }
+
     void Told(const wchar_t* name, const wchar_t* call) {
         m_calls.push_back(std::wstring(name) + L": " + call);
+        const std::wstring line = m_calls.back() + L"\r\n";
+        DWORD written = 0;
+        WriteFile(m_trace, line.data(), static_cast<DWORD>(line.size() * 2), &written, nullptr);
     }
 
     inline static Decoders* current = nullptr;
@@ -71,4 +98,6 @@ private:
 
     std::map<std::wstring, FixtureBehaviour> m_behaviours;
     std::vector<std::wstring> m_calls;
+    HANDLE m_trace = nullptr;
+    const void* m_context = nullptr;
 };

@@ -237,7 +237,7 @@ TEST(Document, EachListHasItsOwnRuleForOddNames) {
             TagEntry& entry = entries.emplace_back();
             entry.name.Assign(row.name);
             entry.value.Assign(row.value);
-            entry.rawData.SetSize(row.rawSize);
+            entry.rawData.Assign("123456789", row.rawSize);
             return entries;
         };
         FileFacts source, converted;

@@ -47,6 +47,9 @@ public:
     clDSP_WriteMetadataFile* Instance() const { return m_instance; }
     const TempFolder& Folder() const { return m_folder; }
 
+    /// The host's end of the trace.
+    HANDLE TraceHandle() const { return m_trace.Get(); }
+
     /// The trace since the last call.
     std::wstring Trace() { return Since(m_tracePath, m_traceSeen); }
 

@@ -27,7 +27,7 @@ protected:
 
     /// Runs a conversion with the style sheet and gives the error lines, the scope cut off each.
     std::vector<std::wstring> Transform() {
-        Convert(L"-xsltfile=\"" + sheet + L"\"");
+        const std::wstring trace = Convert(L"-xsltfile=\"" + sheet + L"\"");
         std::vector<std::wstring> errors;
         const std::wstring all = plugin.Errors();
         size_t begin = 0;
@@ -36,6 +36,8 @@ protected:
             begin = end + std::wstring(kScope).size();
         }
         EXPECT_EQ(begin, all.size()) << all;
+        EXPECT_EQ(trace.find(std::wstring(L"<-<-") + kScope) == std::wstring::npos, !errors.empty())
+            << "a transformation that failed is not left";
         return errors;
     }
 

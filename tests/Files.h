@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -31,30 +32,19 @@ public:
 
     /// Deletes a folder and everything below it.
     static void Remove(const std::wstring& folder) {
-        WIN32_FIND_DATAW entry;
-        const OwnedFind find(FindFirstFileW((folder + L"\\*").c_str(), &entry));
-        for (BOOL found = find.IsValid(); found; found = FindNextFileW(find.Get(), &entry)) {
-            const std::wstring name = entry.cFileName;
-            if (name == L"." || name == L"..") {
-                continue;
-            }
-            if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-                Remove(folder + L"\\" + name);
-            } else {
-                DeleteFileW((folder + L"\\" + name).c_str());
-            }
-        }
-        RemoveDirectoryW(folder.c_str());
+        std::error_code ignored;
+        std::filesystem::remove_all(folder, ignored);
     }
 
 private:
     std::wstring m_folder;
 };
 
-/// A new file, open for writing and shared with readers.
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// A new file, open for writing and shared with everyone: programs that a test starts may hold on to it.
 inline OwnedFile CreateTestFile(const std::wstring& path) {
-    OwnedFile file(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
-                               FILE_ATTRIBUTE_NORMAL, nullptr));
+    OwnedFile file(CreateFileW(path.c_str(), GENERIC_WRITE, kShareAll, nullptr, CREATE_ALWAYS, 0, nullptr));
     EXPECT_TRUE(file.IsValid()) << path;
     return file;
 }
@@ -68,8 +58,8 @@ inline void WriteTestFile(const std::wstring& path, const std::string& bytes) {
 
 /// The bytes of a file; a failed expectation when it cannot be read.
 inline std::string ReadBytes(const std::wstring& path) {
-    const OwnedFile file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                     OPEN_EXISTING, 0, nullptr));
+    const OwnedFile file(
+        CreateFileW(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
     EXPECT_TRUE(file.IsValid()) << path;
     std::string bytes(file.IsValid() ? GetFileSize(file.Get(), nullptr) : 0, '\0');
     DWORD read = 0;

@@ -13,6 +13,11 @@ XString Text(const std::wstring& text) {
     return XString(text.c_str());
 }
 
+bool WriteNew(const std::wstring& path, const std::string& bytes) {
+    XFile file;
+    return file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS) && file.Write(bytes.data(), bytes.size());
+}
+
 TEST(XFile, ReplacesWritesAndFailsInSilence) {
     const TempFolder folder;
     const std::wstring path = folder.Path(L"out.txt");
@@ -20,10 +25,8 @@ TEST(XFile, ReplacesWritesAndFailsInSilence) {
     XFile file;
     EXPECT_FALSE(file.Write("x", 1)) << "nothing is open";
     ASSERT_TRUE(file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS));
-    EXPECT_TRUE(file.Write("abc", 3));
-    EXPECT_TRUE(file.Write(nullptr, 0));
+    EXPECT_TRUE(file.Write("abc", 3) && file.Write(nullptr, 0) && file.Write("de", 2));
     EXPECT_FALSE(file.Write(nullptr, 5));
-    EXPECT_TRUE(file.Write("de", 2));
     EXPECT_EQ(ReadBytes(path), "abcde") << "readable by others while it is open";
     file.Close();
     EXPECT_FALSE(file.IsOpen());
@@ -41,10 +44,7 @@ TEST(XFile, WritesPathsOfAnyLength) {
     std::wstring path = folder.Path(std::wstring(200, L'd'));
     ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + path).c_str(), nullptr));
     path += L"\\" + std::wstring(150, L'f');
-    XFile file;
-    ASSERT_TRUE(file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS));
-    EXPECT_TRUE(file.Write("x", 1));
-    file.Close();
+    EXPECT_TRUE(WriteNew(path, "x"));
     EXPECT_TRUE(FileExists(Text(path)));
     EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + path).c_str()));
     EXPECT_FALSE(FileExists(Text(path)));
@@ -56,10 +56,7 @@ TEST(XFile, WritesMoreThanOnePieceInOrder) {
     for (size_t i = 0; i < bytes.size(); i += 4096) {
         bytes[i] = static_cast<char>(i >> 12);
     }
-    XFile file;
-    ASSERT_TRUE(file.Open(Text(folder.Path(L"big")), GENERIC_WRITE, CREATE_ALWAYS));
-    EXPECT_TRUE(file.Write(bytes.data(), bytes.size()));
-    file.Close();
+    EXPECT_TRUE(WriteNew(folder.Path(L"big"), bytes));
     EXPECT_TRUE(ReadBytes(folder.Path(L"big")) == bytes);
 }
 
@@ -90,9 +87,9 @@ TEST(XFileFind, ListsFilesAndFoldersOnce) {
     const TempFolder folder;
     CreateDirectoryW(folder.Path(L"decoder").c_str(), nullptr);
     CreateDirectoryW(folder.Path(L"decoder\\folder.dll").c_str(), nullptr);
-    WriteTestFile(folder.Path(L"decoder\\a.dll"), "");
-    WriteTestFile(folder.Path(L"decoder\\b.DLL"), "");
-    WriteTestFile(folder.Path(L"decoder\\c.txt"), "");
+    for (const wchar_t* name : {L"decoder\\a.dll", L"decoder\\b.DLL", L"decoder\\c.txt"}) {
+        WriteTestFile(folder.Path(name), "");
+    }
     std::set<std::wstring> found;
     XFileFind find = XFileFind::ForDecoders(folder.Path(L"").c_str());
     while (find.Next()) {
@@ -102,10 +99,8 @@ TEST(XFileFind, ListsFilesAndFoldersOnce) {
     EXPECT_EQ(found, (std::set<std::wstring>{folder.Path(L"decoder\\a.dll"), folder.Path(L"decoder\\b.DLL"),
                                              folder.Path(L"decoder\\folder.dll folder")}));
     XFileFind all(Text(folder.Path(L"decoder\\*")));
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_TRUE(all.Next()) << "the folder itself and its parent are passed over";
-    }
-    EXPECT_FALSE(all.Next());
+    EXPECT_TRUE(all.Next() && all.Next() && all.Next() && all.Next());
+    EXPECT_FALSE(all.Next()) << "the folder itself and its parent are passed over";
     EXPECT_FALSE(XFileFind(Text(folder.Path(L"none\\*"))).Next());
 }
 

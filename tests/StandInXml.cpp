@@ -2,8 +2,8 @@
 
 #include <ocidl.h>
 
-#include <algorithm>
 #include <iterator>
+#include <map>
 
 namespace {
 
@@ -12,7 +12,6 @@ constexpr GUID kClasses[3] = {
     {0xF6D90F12, 0x9C73, 0x11D3, {0xB3, 0x2E, 0x00, 0xC0, 0x4F, 0x99, 0x0B, 0xB4}},
     {0x2933BF94, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}},
 };
-constexpr const wchar_t* kNames[3] = {L"xml", L"sheet", L"template"};
 
 XmlFault fault;
 
@@ -21,6 +20,7 @@ constexpr size_t kLoad = 58, kGetParseError = 60, kLoadXml = 65;  // IXMLDOMDocu
 constexpr size_t kPutStylesheet = 7, kCreateProcessor = 9;        // IXSLTemplate
 constexpr size_t kPutInput = 7, kPutOutput = 13, kTransform = 15; // IXSLProcessor
 constexpr size_t kGetReason = 9;                                  // IXMLDOMParseError
+constexpr size_t kCreateInstance = 3;                             // IClassFactory
 constexpr size_t kInterfaceSupportsErrorInfo = 3;                 // ISupportErrorInfo
 constexpr size_t kTableSize = 80;
 
@@ -36,29 +36,43 @@ std::wstring NameOf(IUnknown* object) {
     return object != nullptr ? reinterpret_cast<Object*>(object)->name : L"null";
 }
 
-/// Records the call; true, with the result to answer, when it is the one that goes wrong.
-bool Fails(const std::wstring& step, HRESULT& result) {
+/// The parser's error information: what a failed call leaves for its caller to read.
+void SetDescription(std::wstring description) {
+    ICreateErrorInfo* create = nullptr;
+    CreateErrorInfo(&create);
+    create->SetDescription(description.data());
+    IErrorInfo* information = nullptr;
+    create->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&information));
+    SetErrorInfo(0, information);
+    information->Release();
+    create->Release();
+}
+
+struct Answer {
+    HRESULT result = S_OK;
+    bool gives = true; // what the caller asked for
+};
+
+/// Records the call, and goes wrong when it is the one that does.
+Answer Call(const std::wstring& step) {
     StandInXml::calls.push_back(step);
-    result = S_OK;
     if (fault.step == nullptr || !step.starts_with(fault.step)) {
-        return false;
+        return {};
     }
     if (fault.description != nullptr) {
-        ICreateErrorInfo* create = nullptr;
-        CreateErrorInfo(&create);
-        std::wstring description = fault.description;
-        create->SetDescription(description.data());
-        IErrorInfo* information = nullptr;
-        create->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&information));
-        SetErrorInfo(0, information);
-        information->Release();
-        create->Release();
+        SetDescription(fault.description);
     }
-    result = fault.result;
-    return FAILED(fault.result) || fault.givesNothing;
+    return {fault.result, SUCCEEDED(fault.result) && !fault.givesNothing};
 }
 
 Object* Make(const std::wstring& name);
+
+/// A call that gives a new object.
+HRESULT CallForObject(const std::wstring& step, void** out, const std::wstring& name) {
+    const Answer answer = Call(step);
+    *out = answer.gives ? Make(name) : nullptr;
+    return answer.result;
+}
 
 HRESULT WINAPI NotImplemented(Object*) {
     return E_NOTIMPL;
@@ -89,13 +103,12 @@ HRESULT WINAPI QueryInterface(Object* self, const IID& id, void** out) {
     if (id == IID_ISupportErrorInfo || id == IID_IRunnableObject) {
         return E_NOINTERFACE;
     }
-    HRESULT result = S_OK;
-    if (id != IID_IUnknown && Fails(L"query " + self->name, result)) {
-        return result;
+    const Answer answer = id == IID_IUnknown ? Answer() : Call(L"query " + self->name);
+    if (answer.gives) {
+        AddRef(self);
+        *out = self;
     }
-    AddRef(self);
-    *out = self;
-    return S_OK;
+    return answer.result;
 }
 
 HRESULT WINAPI InterfaceSupportsErrorInfo(Object*, const IID&) {
@@ -103,99 +116,91 @@ HRESULT WINAPI InterfaceSupportsErrorInfo(Object*, const IID&) {
 }
 
 HRESULT WINAPI Load(Object* self, const VARIANT* source, VARIANT_BOOL* loaded) {
-    HRESULT result = S_OK;
-    const std::wstring text = source->vt == VT_BSTR ? source->bstrVal : L"no text";
-    *loaded = Fails(self->name + L".load " + text, result) ? VARIANT_FALSE : VARIANT_TRUE;
-    return result;
+    const Answer answer = Call(self->name + L".load " + (source->vt == VT_BSTR ? source->bstrVal : L"?"));
+    *loaded = answer.gives ? VARIANT_TRUE : VARIANT_FALSE;
+    return answer.result;
 }
 
 HRESULT WINAPI LoadXml(Object* self, BSTR text, VARIANT_BOOL* loaded) {
-    HRESULT result = S_OK;
-    const std::wstring begin(text, std::min<size_t>(SysStringLen(text), 70));
-    *loaded = Fails(self->name + L".loadXML " + begin, result) ? VARIANT_FALSE : VARIANT_TRUE;
-    return result;
+    const Answer answer = Call(self->name + L".loadXML " + std::wstring(text).substr(0, 70));
+    *loaded = answer.gives ? VARIANT_TRUE : VARIANT_FALSE;
+    return answer.result;
 }
 
-HRESULT WINAPI GetParseError(Object* self, Object** out) {
-    HRESULT result = S_OK;
-    *out = Fails(self->name + L".parseError", result) ? nullptr : Make(L"parseError");
-    return result;
+HRESULT WINAPI GetParseError(Object* self, void** out) {
+    return CallForObject(self->name + L".parseError", out, L"parseError");
 }
 
 HRESULT WINAPI GetReason(Object* self, BSTR* reason) {
-    HRESULT result = S_OK;
-    *reason = Fails(self->name + L".reason", result) ? nullptr : SysAllocString(L"the reason");
-    return result;
+    const Answer answer = Call(self->name + L".reason");
+    *reason = answer.gives ? SysAllocString(L"the reason") : nullptr;
+    return answer.result;
 }
 
 HRESULT WINAPI PutStylesheet(Object* self, IUnknown* sheet) {
-    HRESULT result = S_OK;
-    Fails(self->name + L".putref_stylesheet " + NameOf(sheet), result);
-    return result;
+    return Call(self->name + L".putref_stylesheet " + NameOf(sheet)).result;
 }
 
-HRESULT WINAPI CreateProcessor(Object* self, Object** out) {
-    HRESULT result = S_OK;
-    *out = Fails(self->name + L".createProcessor", result) ? nullptr : Make(L"processor");
-    return result;
+HRESULT WINAPI CreateProcessor(Object* self, void** out) {
+    return CallForObject(self->name + L".createProcessor", out, L"processor");
 }
 
 HRESULT WINAPI PutOutput(Object* self, const VARIANT* output) {
-    HRESULT result = S_OK;
-    if (!Fails(self->name + L".put_output " + (output->vt == VT_UNKNOWN ? L"unknown" : L"?"), result)) {
+    const Answer answer = Call(self->name + L".put_output " + (output->vt == VT_UNKNOWN ? L"unknown" : L"?"));
+    if (answer.gives) {
         output->punkVal->QueryInterface(IID_IStream, reinterpret_cast<void**>(&self->output));
     }
-    return result;
+    return answer.result;
 }
 
 HRESULT WINAPI PutInput(Object* self, const VARIANT* input) {
-    HRESULT result = S_OK;
-    Fails(self->name + L".put_input " + (input->vt == VT_UNKNOWN ? NameOf(input->punkVal) : L"?"), result);
-    return result;
+    const std::wstring name = input->vt == VT_UNKNOWN ? NameOf(input->punkVal) : L"?";
+    return Call(self->name + L".put_input " + name).result;
 }
 
 HRESULT WINAPI Transform(Object* self, VARIANT_BOOL* done) {
-    HRESULT result = S_OK;
+    const Answer answer = Call(self->name + L".transform");
     *done = VARIANT_FALSE; // nobody asks
-    if (!Fails(self->name + L".transform", result) && self->output != nullptr) {
+    if (answer.gives && self->output != nullptr) {
         const std::string bytes = StandInXml::kOutput;
         self->output->Write(bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
     }
-    return result;
+    return answer.result;
 }
 
-template<class Function>
-void* Entry(Function* function) {
-    return reinterpret_cast<void*>(function);
-}
+using Table = std::vector<void*>;
 
-std::vector<void*> Table(std::initializer_list<std::pair<size_t, void*>> methods) {
-    std::vector<void*> table(kTableSize, Entry(NotImplemented));
-    table[0] = Entry(QueryInterface);
-    table[1] = Entry(AddRef);
-    table[2] = Entry(Release);
-    for (const auto& [slot, method] : methods) {
-        table[slot] = method;
+struct Method {
+    template<class Function>
+    Method(size_t place, Function* function) : slot(place), code(reinterpret_cast<void*>(function)) {}
+    size_t slot;
+    void* code;
+};
+
+/// The three methods of every object, unless `methods` has others, and `methods` in their places.
+Table MakeTable(std::initializer_list<Method> methods) {
+    Table table(kTableSize, Method(0, NotImplemented).code);
+    for (const auto& list :
+         {std::initializer_list<Method>{{0, QueryInterface}, {1, AddRef}, {2, Release}}, methods}) {
+        for (const Method& method : list) {
+            table[method.slot] = method.code;
+        }
     }
     return table;
 }
 
 Object* Make(const std::wstring& name) {
-    static const std::vector<void*> document =
-        Table({{kLoad, Entry(Load)}, {kGetParseError, Entry(GetParseError)}, {kLoadXml, Entry(LoadXml)}});
-    static const std::vector<void*> xslTemplate =
-        Table({{kPutStylesheet, Entry(PutStylesheet)}, {kCreateProcessor, Entry(CreateProcessor)}});
-    static const std::vector<void*> processor =
-        Table({{kPutInput, Entry(PutInput)}, {kPutOutput, Entry(PutOutput)}, {kTransform, Entry(Transform)}});
-    static const std::vector<void*> parseError = Table({{kGetReason, Entry(GetReason)}});
-    static const std::vector<void*> support =
-        Table({{kInterfaceSupportsErrorInfo, Entry(InterfaceSupportsErrorInfo)}});
-    const std::vector<void*>& table = name == L"template"     ? xslTemplate
-                                      : name == L"processor"  ? processor
-                                      : name == L"parseError" ? parseError
-                                      : name == L"support"    ? support
-                                                              : document;
-    return new Object{table.data(), name};
+    static const Table document =
+        MakeTable({{kLoad, Load}, {kGetParseError, GetParseError}, {kLoadXml, LoadXml}});
+    static const std::map<std::wstring, Table> tables = {
+        {L"xml", document},
+        {L"sheet", document},
+        {L"template", MakeTable({{kPutStylesheet, PutStylesheet}, {kCreateProcessor, CreateProcessor}})},
+        {L"processor", MakeTable({{kPutInput, PutInput}, {kPutOutput, PutOutput}, {kTransform, Transform}})},
+        {L"parseError", MakeTable({{kGetReason, GetReason}})},
+        {L"support", MakeTable({{kInterfaceSupportsErrorInfo, InterfaceSupportsErrorInfo}})},
+    };
+    return new Object{tables.at(name).data(), name};
 }
 
 // A class factory is an object, too; it lives as long as the program.
@@ -206,16 +211,7 @@ HRESULT WINAPI QueryFactory(Object* self, const IID&, void** out) {
 }
 
 HRESULT WINAPI CreateInstance(Object* self, IUnknown*, const IID&, void** out) {
-    HRESULT result = S_OK;
-    *out = Fails(L"create " + self->name, result) ? nullptr : Make(self->name);
-    return result;
-}
-
-IUnknown* MakeFactory(const wchar_t* name) {
-    constexpr size_t kCreateInstance = 3;
-    static std::vector<void*> table =
-        Table({{0, Entry(QueryFactory)}, {kCreateInstance, Entry(CreateInstance)}});
-    return reinterpret_cast<IUnknown*>(new Object{table.data(), name});
+    return CallForObject(L"create " + self->name, out, self->name);
 }
 
 } // namespace
@@ -225,11 +221,12 @@ std::vector<std::wstring> StandInXml::calls;
 StandInXml::StandInXml(XmlFault wanted) {
     fault = std::move(wanted);
     calls.clear();
-    static IUnknown* const factories[3] = {MakeFactory(kNames[0]), MakeFactory(kNames[1]),
-                                           MakeFactory(kNames[2])};
+    static const Table table = MakeTable({{0, QueryFactory}, {kCreateInstance, CreateInstance}});
+    static Object factories[] = {
+        {table.data(), L"xml"}, {table.data(), L"sheet"}, {table.data(), L"template"}};
     for (size_t i = 0; i < std::size(kClasses); ++i) {
-        CoRegisterClassObject(kClasses[i], factories[i], CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                              &m_registered[i]);
+        CoRegisterClassObject(kClasses[i], reinterpret_cast<IUnknown*>(&factories[i]), CLSCTX_INPROC_SERVER,
+                              REGCLS_MULTIPLEUSE, &m_registered[i]);
     }
 }
 

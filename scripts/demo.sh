@@ -64,8 +64,7 @@ printf '\n%s\n\n' "$document"
 tr -d '\r' <"$document"
 
 printf '\nReading back what the style sheets made, with xsltproc, Python, metaflac and ffmpeg:\n'
-python3 "$root/tests/stylesheets/check_sheets.py" --sheets "$root/XSLT" --work "$root/build/demo-check" \
-    --produced "$demo"
+python3 "$root/tests/stylesheets/check_sheets.py" "$root/build/demo-check" "$demo"
 
 printf '\n%d documents, accepted by xmllint and the schema, lie beside their FLAC files, each in six more forms, in\n%s\n' \
     "$count" "$demo"

@@ -1,14 +1,13 @@
 #!/usr/bin/env python3
 """Checks the shipped style sheets and the schema with the programs that read what they make.
 
-check_sheets.py --sheets DIR --work DIR               makes sample documents and transforms them with xsltproc
-check_sheets.py --sheets DIR --work DIR --produced DIR
-    checks what the plug-in made: NAME.xml and NAME.html, .txt, .json, .csv, .vc, .ffmeta for each document
+check_sheets.py WORK           makes sample documents and transforms them with xsltproc
+check_sheets.py WORK PRODUCED  checks the files in PRODUCED that the plug-in made of each document:
+                               NAME.xml and NAME.html, .txt, .json, .csv, .vc, .ffmeta
 
 Ends with "N passed, N failed"; the exit status is 1 when something failed. Needs xsltproc, xmllint, flac,
 metaflac, ffmpeg and ffprobe.
 """
-import argparse
 import csv
 import io
 import json
@@ -25,7 +24,8 @@ from pathlib import Path
 sys.dont_write_bytecode = True  # leave nothing beside the sources
 from documents import FACTS, FORMAT, NUMBERS, entry_line, samples, written
 
-SCHEMA = Path(__file__).resolve().parents[2] / "docs" / "AudioMetadata.xsd"
+ROOT = Path(__file__).resolve().parents[2]
+SCHEMA = ROOT / "docs" / "AudioMetadata.xsd"
 METAFLAC_LINE = 65534  # bytes that metaflac takes in one line
 FLAC_NAMES = {"tracknumber": "track", "discnumber": "disc", "albumartist": "album_artist",
               "description": "comment"}  # what ffmpeg calls these comments of a FLAC file
@@ -194,13 +194,12 @@ SHEETS = {".json": ("Json.xslt", check_json), ".csv": ("Csv.xslt", check_csv),
           ".ffmeta": ("FFMetadata.xslt", check_ffmetadata)}
 
 
-def check_outputs(results, name, xml, outputs, sheets, work):
-    """`xml` as the plug-in writes it without a style sheet; `outputs` by extension."""
-    content = Content(xml)
-    (work / "lines.xml").write_bytes(xml)
+def check_outputs(results, document, work):
+    """`document` as the plug-in writes it without a style sheet; what the style sheets made is beside it."""
+    content = Content(document.read_bytes())
     for ext, (sheet, check) in SHEETS.items():
-        data, label = outputs[ext], f"{name}{ext}"
-        other = run("xsltproc", sheets / sheet, work / "lines.xml")
+        data, label = document.with_suffix(ext).read_bytes(), document.stem + ext
+        other = run("xsltproc", ROOT / "XSLT" / sheet, document)
         # Reading a file changes its access time; processors differ in document type and last line end.
         forms = [re.sub(rb"\d{4}-\d\d-\d\d[T ]\d\d:\d\d:\d\d|<!DOCTYPE[^>]*>\s*|(?<=</html>)\n$", b"", form)
                  for form in (data, other.stdout)]
@@ -245,9 +244,10 @@ def check_schema(results, documents, work):
 
     def verdict(option, schema, xml):
         return run("xmllint", "--noout", "--huge", option, schema, "-", stdin=xml).returncode
-    for name, xml in documents.items():
+    for document in documents:
+        xml = document.read_bytes()
         verdicts = verdict("--schema", SCHEMA, xml), verdict("--schematron", rules, xml)
-        results.equal(f"{name}.xml", verdicts, (0, 0))
+        results.equal(document.name, verdicts, (0, 0))
     speech = written(samples()["speech"]).decode()
     for cases, option, schema in ((REFUSED, "--schema", SCHEMA), (REFUSED_ENTRIES, "--schematron", rules)):
         for label, pattern, replacement in cases:
@@ -258,35 +258,31 @@ def check_schema(results, documents, work):
         results.equal(f"not well-formed: {name!r}", verdict("--schema", SCHEMA, xml.encode()), 1)
 
 
+def make_samples(folder):
+    folder.mkdir(exist_ok=True)
+    for name, lines in samples().items():
+        (folder / f"{name}.xml").write_bytes(written(lines))
+        for ext, (sheet, _) in SHEETS.items():  # a transformation gets the document as one line
+            made = run("xsltproc", ROOT / "XSLT" / sheet, "-", stdin="".join(lines).encode())
+            (folder / (name + ext)).write_bytes(made.stdout)
+
+
 def main():
-    parser = argparse.ArgumentParser(description="Checks style sheets and schema; see the head of this file.")
-    for option in ("--sheets", "--work", "--produced"):
-        parser.add_argument(option, type=Path, metavar="DIR", required=option != "--produced")
-    args = parser.parse_args()
-    args.work.mkdir(parents=True, exist_ok=True)
-    with wave.open(str(args.work / "tone.wav"), "wb") as tone:
+    folders = [Path(argument) for argument in sys.argv[1:]]
+    work, produced = folders if folders[1:] else (folders[0], folders[0] / "samples")
+    work.mkdir(parents=True, exist_ok=True)
+    if not folders[1:]:
+        make_samples(produced)
+    with wave.open(str(work / "tone.wav"), "wb") as tone:
         tone.setparams((1, 2, 8000, 0, "NONE", ""))
         tone.writeframes(bytes(16000))
-    run("flac", "-s", "-f", "-o", args.work / "tone.flac", args.work / "tone.wav").check_returncode()
+    run("flac", "-s", "-f", "-o", work / "tone.flac", work / "tone.wav").check_returncode()
 
-    results, documents = Results(), {}
-    if args.produced:
-        for path in sorted(args.produced.glob("*.xml")):
-            documents[path.stem] = path.read_bytes()
-            outputs = {ext: path.with_suffix(ext).read_bytes() for ext in SHEETS}
-            check_outputs(results, path.stem, documents[path.stem], outputs, args.sheets, args.work)
-        results.equal("documents found", bool(documents), True)
-    else:
-        for name, lines in samples().items():
-            documents[name] = written(lines)
-            joined = args.work / f"{name}.xml"  # as the transformation gets it: one line
-            joined.write_bytes("".join(lines).encode())
-            outputs = {}
-            for ext, (sheet, _) in SHEETS.items():
-                outputs[ext] = run("xsltproc", args.sheets / sheet, joined).stdout
-                (args.work / f"{name}{ext}").write_bytes(outputs[ext])
-            check_outputs(results, name, documents[name], outputs, args.sheets, args.work)
-    check_schema(results, documents, args.work)
+    results, documents = Results(), sorted(produced.glob("*.xml"))
+    results.equal("documents found", bool(documents), True)
+    for document in documents:
+        check_outputs(results, document, work)
+    check_schema(results, documents, work)
     print(f"{results.passed} passed, {results.failed} failed")
     return 1 if results.failed else 0
 

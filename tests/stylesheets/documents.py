@@ -1,5 +1,6 @@
 """Sample documents, written line by line as the plug-in writes them."""
 import re
+from xml.sax import saxutils
 
 NUMBERS = ("FileSize", "FileLength", "FileBitrate")
 FORMAT = ("Channels", "SamplesPerSec", "BitsPerSample", "AvgBytesPerSec")
@@ -8,9 +9,7 @@ FACTS = ("FileName", "FileNameNoExt", "FileNameExt", "FileNamePath", *NUMBERS, "
 
 
 def escape(text):
-    for char, entity in (("&", "&amp;"), ('"', "&quot;"), ("'", "&apos;"), ("<", "&lt;"), (">", "&gt;")):
-        text = text.replace(char, entity)
-    return text
+    return saxutils.escape(text, {'"': "&quot;", "'": "&apos;"})
 
 
 def entry_line(name, value):

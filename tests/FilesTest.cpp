@@ -50,14 +50,18 @@ TEST(XFile, WritesPathsOfAnyLength) {
     EXPECT_FALSE(FileExists(Text(path)));
 }
 
-TEST(XFile, WritesMoreThanOnePieceInOrder) {
+TEST(XFile, LongPathsAreTakenLiterally) {
+    // Only with the prefix of long paths does the system leave "." as it is, and finds no folder of that
+    // name.
     const TempFolder folder;
-    std::string bytes(40u << 20, '\0');
-    for (size_t i = 0; i < bytes.size(); i += 4096) {
-        bytes[i] = static_cast<char>(i >> 12);
-    }
-    EXPECT_TRUE(WriteNew(folder.Path(L"big"), bytes));
-    EXPECT_TRUE(ReadBytes(folder.Path(L"big")) == bytes);
+    const auto path = [&folder](size_t size) {
+        const std::wstring begin = folder.Path(L".\\");
+        return begin + std::wstring(size - begin.size(), L'f');
+    };
+    EXPECT_TRUE(WriteNew(path(kOpenPathLimit - 1), ""));
+    EXPECT_FALSE(WriteNew(path(kOpenPathLimit), ""));
+    EXPECT_TRUE(WriteNew(path(kScanPathLimit - 1), "") && FileExists(Text(path(kScanPathLimit - 1))));
+    EXPECT_TRUE(WriteNew(path(kScanPathLimit), "") && !FileExists(Text(path(kScanPathLimit))));
 }
 
 TEST(FileExists, TellsFilesFoldersRootsAndWildcards) {

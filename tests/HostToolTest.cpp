@@ -21,15 +21,20 @@ protected:
 
     std::wstring Path(const wchar_t* name) const { return m_folder.Path(name); }
 
-    /// Runs dsphost in the folder and gives its exit status; both its streams go to the file "out". "@" in
-    /// the arguments stands for the folder of the test programs.
-    DWORD Run(std::wstring arguments) const {
+    /// Where both streams of the last run went. Each run has a file of its own: Wine's desktop, if the run
+    /// was what started it, holds on to it.
+    std::wstring Output() const { return m_folder.Path(L"out" + std::to_wstring(m_runs)); }
+
+    /// Runs dsphost in the folder and gives its exit status. "@" in the arguments stands for the folder of
+    /// the test programs.
+    DWORD Run(std::wstring arguments) {
+        ++m_runs;
         const std::wstring programs = ModuleFolder(nullptr).Text();
         if (const size_t at = arguments.find(L'@'); at != std::wstring::npos) {
             arguments.replace(at, 1, programs);
         }
         std::wstring command = L"\"" + programs + L"..\\..\\tools\\dsphost.exe\" " + arguments;
-        const OwnedFile out = CreateTestFile(Path(L"out"));
+        const OwnedFile out = CreateTestFile(Output());
         SetHandleInformation(out.Get(), HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
         STARTUPINFOW startup = {};
         startup.cb = sizeof startup;
@@ -48,6 +53,7 @@ protected:
 
 private:
     const TempFolder m_folder;
+    int m_runs = 0;
 };
 
 TEST_F(HostTool, TellsWhatCameOut) {
@@ -79,7 +85,7 @@ TEST_F(HostTool, TellsWhatCameOut) {
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.arguments);
         EXPECT_EQ(Run(row.arguments), row.exitStatus);
-        const std::string output = ReadBytes(Path(L"out"));
+        const std::string output = ReadBytes(Output());
         for (const char* expected : row.outputs) {
             EXPECT_NE(output.find(expected), std::string::npos) << expected << "\nin\n" << output;
         }

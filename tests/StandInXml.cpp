@@ -96,12 +96,13 @@ ULONG WINAPI Release(Object* self) {
 
 HRESULT WINAPI QueryInterface(Object* self, const IID& id, void** out) {
     *out = nullptr;
-    if (id == IID_ISupportErrorInfo && fault.supportsErrorInfo) {
+    if (id == IID_ISupportErrorInfo) {
         *out = Make(L"support");
         return S_OK;
     }
-    if (id == IID_ISupportErrorInfo || id == IID_IRunnableObject) {
-        return E_NOINTERFACE;
+    if (id == IID_IRunnableObject) {
+        StandInXml::calls.push_back(L"run " + self->name);
+        return E_NOINTERFACE; // it runs already
     }
     const Answer answer = id == IID_IUnknown ? Answer() : Call(L"query " + self->name);
     if (answer.gives) {
@@ -112,7 +113,7 @@ HRESULT WINAPI QueryInterface(Object* self, const IID& id, void** out) {
 }
 
 HRESULT WINAPI InterfaceSupportsErrorInfo(Object*, const IID&) {
-    return S_OK;
+    return fault.supportsErrorInfo ? S_OK : S_FALSE;
 }
 
 HRESULT WINAPI Load(Object* self, const VARIANT* source, VARIANT_BOOL* loaded) {
@@ -128,12 +129,12 @@ HRESULT WINAPI LoadXml(Object* self, BSTR text, VARIANT_BOOL* loaded) {
 }
 
 HRESULT WINAPI GetParseError(Object* self, void** out) {
-    return CallForObject(self->name + L".parseError", out, L"parseError");
+    return CallForObject(self->name + L".parseError", out, self->name + L"'s parse error");
 }
 
 HRESULT WINAPI GetReason(Object* self, BSTR* reason) {
     const Answer answer = Call(self->name + L".reason");
-    *reason = answer.gives ? SysAllocString(L"the reason") : nullptr;
+    *reason = answer.gives ? SysAllocString(self->name.c_str()) : nullptr;
     return answer.result;
 }
 
@@ -192,12 +193,14 @@ Table MakeTable(std::initializer_list<Method> methods) {
 Object* Make(const std::wstring& name) {
     static const Table document =
         MakeTable({{kLoad, Load}, {kGetParseError, GetParseError}, {kLoadXml, LoadXml}});
+    static const Table parseError = MakeTable({{kGetReason, GetReason}});
     static const std::map<std::wstring, Table> tables = {
         {L"xml", document},
         {L"sheet", document},
         {L"template", MakeTable({{kPutStylesheet, PutStylesheet}, {kCreateProcessor, CreateProcessor}})},
         {L"processor", MakeTable({{kPutInput, PutInput}, {kPutOutput, PutOutput}, {kTransform, Transform}})},
-        {L"parseError", MakeTable({{kGetReason, GetReason}})},
+        {L"xml's parse error", parseError},
+        {L"sheet's parse error", parseError},
         {L"support", MakeTable({{kInterfaceSupportsErrorInfo, InterfaceSupportsErrorInfo}})},
     };
     return new Object{tables.at(name).data(), name};

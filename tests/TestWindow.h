@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <array>
+
 /// A window from CreateWindowExW of this thread.
 struct WindowTraits {
     using Type = HWND;
@@ -19,6 +21,19 @@ inline OwnedWindow MakeTopWindow() {
                                        GetModuleHandleW(nullptr), nullptr));
     ShowWindow(window.Get(), SW_SHOWNOACTIVATE);
     return window;
+}
+
+/// Left, top, width and height.
+using Place = std::array<LONG, 4>;
+
+/// Where a window is in its parent's client area.
+inline Place PlaceOf(HWND window) {
+    RECT rect = {};
+    GetWindowRect(window, &rect);
+    const LONG width = rect.right - rect.left;
+    const LONG height = rect.bottom - rect.top;
+    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&rect), 1);
+    return {rect.left, rect.top, width, height};
 }
 
 /// Handles the messages that wait for this thread.

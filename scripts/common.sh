@@ -94,7 +94,7 @@ start_display() {
 
 # run_wine PROGRAM [ARGUMENT…]
 run_wine() {
-    timeout 60 wine "$@"
+    timeout 60 "$root/cmake/run-under-wine.sh" "$@"
 }
 
 # windows_path PATH: an absolute path as programs under Wine see it.

@@ -14,10 +14,9 @@ install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build
     wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc
 
 build "$preset"
+"$root/scripts/fuzz.sh"
 start_display
 start_wine wine
-
-"$root/scripts/fuzz.sh"
 
 # Tests wait for no input, and for Wine's own processes neither.
 (cd "$root/build/$preset" && ctest --output-on-failure -j "$(nproc)" "$@" </dev/null)

@@ -31,8 +31,7 @@ uint16_t EffectiveTag(const AudioFormat& format) noexcept {
 WaveFormat::WaveFormat(const AudioFormat& format) noexcept : m_format(format) {
     const uint16_t tag = EffectiveTag(m_format);
     if (tag == kPcm || tag == kIeeeFloat) {
-        // The product is taken as a signed 32-bit number and the block size kept in 16 bits, whatever is cut
-        // off.
+        // The product is a signed 32-bit number and the block size has 16 bits, whatever that cuts off.
         const uint32_t bits = uint32_t{m_format.nChannels} * m_format.wBitsPerSample;
         m_format.nBlockAlign = static_cast<uint16_t>(static_cast<int32_t>(bits) / 8);
         m_format.nAvgBytesPerSec = m_format.nBlockAlign * m_format.nSamplesPerSec;

@@ -112,8 +112,7 @@ int32_t WriteXMLFile(const MetadataContext& context, const AfterConversionInfo& 
     const XString outputPath = OutputPath(context, convertedFile);
     Log(outputPath.Text(), context.log, kScope);
 
-    // Everything is made before the output file is opened: running out of memory must not cost an existing
-    // one.
+    // All is made before the output file is opened: running out of memory must not cost an existing one.
     const XStringList lines = GatherDocument(context, info, sourceFile, convertedFile);
     if (transform) {
         ByteBuffer transformed;

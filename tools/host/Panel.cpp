@@ -8,7 +8,8 @@ namespace {
 constexpr int64_t kClose = 0;              // mode of DSP_RemoveConfigBit
 constexpr RECT kPanelPlace = {7, 7, 1, 1}; // dialog units; only left and top count
 
-struct Session {
+/// The plug-in whose panel is shown, and the text that goes in and comes out.
+struct ShownPanel {
     const PluginInstance& instance;
     XString& settings;
 
@@ -21,8 +22,8 @@ struct Session {
 };
 
 /// The panel comes before the buttons in the tab order and gets the focus.
-bool OpenPanel(HWND host, const Session& session) {
-    const HWND panel = session.Open(host);
+bool OpenPanel(HWND host, const ShownPanel& shown) {
+    const HWND panel = shown.Open(host);
     if (panel == nullptr) {
         return false;
     }
@@ -34,16 +35,16 @@ bool OpenPanel(HWND host, const Session& session) {
 INT_PTR CALLBACK HostProc(HWND host, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(host, GWLP_USERDATA, lParam);
-        if (!OpenPanel(host, *reinterpret_cast<const Session*>(lParam))) {
+        if (!OpenPanel(host, *reinterpret_cast<const ShownPanel*>(lParam))) {
             EndDialog(host, -1);
         }
         return FALSE; // the focus is set
     }
     if (message == WM_COMMAND && (wParam == IDOK || wParam == IDCANCEL)) {
-        const auto* session = reinterpret_cast<const Session*>(GetWindowLongPtrW(host, GWLP_USERDATA));
-        XString settings = session->Close();
+        const auto* shown = reinterpret_cast<const ShownPanel*>(GetWindowLongPtrW(host, GWLP_USERDATA));
+        XString settings = shown->Close();
         if (wParam == IDOK) {
-            session->settings = std::move(settings);
+            shown->settings = std::move(settings);
         }
         EndDialog(host, static_cast<INT_PTR>(wParam));
         return TRUE;
@@ -58,9 +59,9 @@ bool ShowPanel(const PluginInstance& instance, XString& settings) {
         PrintError(XString(L"The plug-in has no settings panel"));
         return false;
     }
-    const Session session = {instance, settings};
+    const ShownPanel shown = {instance, settings};
     const INT_PTR answer = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_HOST), nullptr,
-                                           HostProc, reinterpret_cast<LPARAM>(&session));
+                                           HostProc, reinterpret_cast<LPARAM>(&shown));
     if (answer != IDOK && answer != IDCANCEL) {
         PrintError(XString(L"The settings panel cannot be shown"));
     }

@@ -2,7 +2,12 @@
 
 #include "metadata/TagList.h"
 #include "metadata/WaveFormat.h"
-#include "support/XStringList.h"
+#include "metadata/XmlText.h"
+#include "support/XString.h"
+
+#include <charconv>
+#include <iterator>
+#include <string_view>
 
 /// Texts of one file for the document, unescaped. All are empty when there is no such file on disk.
 struct FileTexts {
@@ -15,7 +20,7 @@ struct FileTexts {
     XString accessed;
 };
 
-/// All that the document says of one file.
+/// All that the document says of one file. The lists stand where they came from.
 struct FileFacts {
     FileTexts texts;
     AudioInfo info = {};
@@ -26,5 +31,122 @@ struct FileFacts {
 /// Name and folder parts of a path; the times stay empty.
 FileTexts SplitFileTexts(const XString& path);
 
-/// The lines of the metadata document, without line ends. Pure code.
-XStringList BuildDocument(const FileFacts& source, const FileFacts& converted);
+/// Writes the metadata document line by line, in one pass over the facts, to a Utf8Writer or a Utf16Writer.
+/// Takes no memory. Pure code.
+template<class Writer>
+class Document {
+public:
+    explicit Document(Writer& out) noexcept : m_out(out) {}
+
+    void Write(const FileFacts& source, const FileFacts& converted) {
+        Line("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+        Line("<AudioMetadata>");
+        Line("\t<SourceFile>");
+        WriteFacts(source, NamelessProperty::LeaveOut);
+        Line("\t</SourceFile>");
+        Line("\t<ConvertedFile>");
+        WriteFacts(converted, NamelessProperty::Write);
+        Line("\t</ConvertedFile>");
+        Line("</AudioMetadata>");
+    }
+
+private:
+    /// The two property lists differ on purpose in what they do with a name that leaves no element name.
+    enum class NamelessProperty { LeaveOut, Write };
+
+    static constexpr std::string_view kFact = "\t\t<";
+    static constexpr std::string_view kFormatFact = "\t\t\t<";
+
+    void WriteFacts(const FileFacts& file, NamelessProperty nameless) {
+        const FileTexts& texts = file.texts;
+        Element(kFact, "FileName", texts.name);
+        Element(kFact, "FileNameNoExt", texts.nameNoExt);
+        Element(kFact, "FileNameExt", texts.ext);
+        Element(kFact, "FileNamePath", texts.path);
+        Element(kFact, "FileSize", file.info.fileSize);
+        Element(kFact, "FileLength", file.info.length);
+        Element(kFact, "FileBitrate", file.info.bitrate);
+        Element(kFact, "FileCreated", texts.created);
+        Element(kFact, "FileModified", texts.modified);
+        Element(kFact, "FileAccessed", texts.accessed);
+        Line("\t\t<AudioProperties>");
+        WriteProperties(file.properties, nameless);
+        Line("\t\t</AudioProperties>");
+        Line("\t\t<AudioFormat>");
+        const WaveFormat format(file.info.format);
+        Element(kFormatFact, "Channels", format.Channels());
+        Element(kFormatFact, "SamplesPerSec", format.SamplesPerSec());
+        Element(kFormatFact, "BitsPerSample", format.BitsPerSample());
+        Element(kFormatFact, "AvgBytesPerSec", format.AvgBytesPerSec());
+        Line("\t\t</AudioFormat>");
+        Line("\t\t<IDTags>");
+        WriteTags(file.idTags);
+        Line("\t\t</IDTags>");
+    }
+
+    void WriteProperties(const TagList& properties, NamelessProperty nameless) {
+        for (const TagEntry& entry : properties) {
+            const wchar_t first = FirstOfElementName(entry.name);
+            const bool leftOut = first == L'_' || (first == 0 && nameless == NamelessProperty::LeaveOut);
+            if (entry.rawData.empty() && !leftOut) {
+                WriteEntry(entry.name, entry.value);
+            }
+        }
+    }
+
+    void WriteTags(const TagList& tags) {
+        for (const TagEntry& entry : tags) {
+            if (entry.rawData.empty()) {
+                SplitValues values(entry.value);
+                for (Utf16View value; values.Next(value);) {
+                    WriteEntry(entry.name, value);
+                }
+            }
+        }
+    }
+
+    void WriteEntry(Utf16View name, Utf16View value) {
+        m_out.Append("\t\t\t<");
+        MakeElementName(m_out, name);
+        m_out.Append(" name=\"");
+        EscapeXmlText(m_out, name);
+        m_out.Append("\">");
+        EscapeXmlText(m_out, value);
+        m_out.Append("</");
+        MakeElementName(m_out, name);
+        Line(">");
+    }
+
+    void Element(std::string_view open, std::string_view element, Utf16View text) {
+        Begin(open, element);
+        EscapeXmlText(m_out, text);
+        End(element);
+    }
+
+    void Element(std::string_view open, std::string_view element, int64_t number) {
+        char digits[20]; // 19 digits and a sign
+        const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), number);
+        Begin(open, element);
+        m_out.Append(std::string_view(digits, static_cast<size_t>(end.ptr - digits)));
+        End(element);
+    }
+
+    void Begin(std::string_view open, std::string_view element) {
+        m_out.Append(open);
+        m_out.Append(element);
+        m_out.Append(">");
+    }
+
+    void End(std::string_view element) {
+        m_out.Append("</");
+        m_out.Append(element);
+        Line(">");
+    }
+
+    void Line(std::string_view text) {
+        m_out.Append(text);
+        m_out.EndLine();
+    }
+
+    Writer& m_out;
+};

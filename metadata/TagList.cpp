@@ -1,104 +1,64 @@
 #include "metadata/TagList.h"
 
+#include <algorithm>
 #include <cstring>
-#include <utility>
 
 namespace {
 
-/// Bytes still to be read; every read checks that they are there.
-class Reader {
-public:
-    Reader(const uint8_t* bytes, size_t size) noexcept : m_bytes(bytes), m_size(size) {}
+constexpr int32_t kSizeWord = sizeof(int32_t);
 
-    size_t Size() const noexcept { return m_size; }
-
-    bool ReadInt32(int32_t& value) noexcept {
-        if (m_size < sizeof value) {
-            return false;
-        }
-        std::memcpy(&value, m_bytes, sizeof value);
-        Skip(sizeof value);
-        return true;
-    }
-
-    /// Splits off the next `size` bytes, which must be there.
-    Reader Take(size_t size) noexcept {
-        const Reader taken(m_bytes, size);
-        Skip(size);
-        return taken;
-    }
-
-    /// The code units up to a zero, which is passed over, or up to the end. An odd last byte stays.
-    XString ReadText() {
-        const size_t units = m_size / sizeof(wchar_t);
-        size_t count = 0;
-        while (count < units && !IsZeroUnit(count)) {
-            ++count;
-        }
-        XString text = XString::FromBytes(m_bytes, count);
-        Skip((count < units ? count + 1 : count) * sizeof(wchar_t));
-        return text;
-    }
-
-    ByteBuffer ReadRest() {
-        ByteBuffer rest;
-        rest.Assign(m_bytes, static_cast<uint32_t>(m_size));
-        Skip(m_size);
-        return rest;
-    }
-
-private:
-    bool IsZeroUnit(size_t index) const noexcept {
-        return (m_bytes[2 * index] | m_bytes[2 * index + 1]) == 0;
-    }
-
-    void Skip(size_t size) noexcept {
-        m_bytes += size;
-        m_size -= size;
-    }
-
-    const uint8_t* m_bytes;
-    size_t m_size;
-};
-
-/// Reads what follows an entry's size word; false when the list ends with this entry.
-bool ReadEntry(TagEntry& entry, Reader bytes) {
-    // A lone byte is too short for any text and is binary data at once.
-    if (bytes.Size() > 1) {
-        entry.name = bytes.ReadText();
-    }
-    if (bytes.Size() == 0) {
+bool TakeInt32(std::span<const uint8_t>& bytes, int32_t& value) noexcept {
+    if (bytes.size() < sizeof value) {
         return false;
     }
-    entry.value = bytes.ReadText();
-    entry.rawData = bytes.ReadRest();
+    std::memcpy(&value, bytes.data(), sizeof value);
+    bytes = bytes.subspan(sizeof value);
+    return true;
+}
+
+/// The code units up to a zero, which is passed over, or up to the end. An odd last byte stays.
+Utf16View TakeText(std::span<const uint8_t>& bytes) noexcept {
+    const Utf16View units(bytes.data(), bytes.size() / sizeof(wchar_t));
+    const size_t size = units.Find(0);
+    bytes = bytes.subspan((size < units.Size() ? size + 1 : size) * sizeof(wchar_t));
+    return units.First(size);
+}
+
+/// Reads what follows an entry's size word; false when the list ends with this entry.
+bool ReadEntry(TagEntry& entry, std::span<const uint8_t> bytes) noexcept {
+    // A lone byte is too short for any text and is binary data at once.
+    if (bytes.size() > 1) {
+        entry.name = TakeText(bytes);
+    }
+    if (bytes.empty()) {
+        return false;
+    }
+    entry.value = TakeText(bytes);
+    entry.rawData = bytes;
     return true;
 }
 
 } // namespace
 
-void ParseTagBlob(TagList& out, const void* data, int32_t size) {
-    out.clear();
+void TagList::Iterator::Read() noexcept {
+    int32_t entrySize = 0;
+    m_ended = m_count < 1 || !TakeInt32(m_bytes, entrySize) || entrySize < 0 ||
+              (entrySize > kSizeWord && static_cast<size_t>(entrySize - kSizeWord) > m_bytes.size());
+    if (m_ended) {
+        return;
+    }
+    // An entry that does not even cover its own size word is listed and ends the list.
+    const size_t rest = static_cast<size_t>(std::max(entrySize - kSizeWord, 0));
+    m_entry = {};
+    m_count = ReadEntry(m_entry, m_bytes.first(rest)) ? m_count - 1 : 0;
+    m_bytes = m_bytes.subspan(rest);
+}
+
+TagList ParseTagBlob(const void* data, int32_t size) noexcept {
     if (data == nullptr || size < 1) {
-        return;
+        return {};
     }
-    Reader bytes(static_cast<const uint8_t*>(data), static_cast<size_t>(size));
+    std::span<const uint8_t> bytes(static_cast<const uint8_t*>(data), static_cast<size_t>(size));
     int32_t count = 0;
-    if (!bytes.ReadInt32(count)) {
-        return;
-    }
-    for (int32_t i = 0; i < count; ++i) {
-        constexpr int32_t kSizeWord = sizeof(int32_t);
-        int32_t entrySize = 0;
-        if (!bytes.ReadInt32(entrySize) || entrySize < 0 ||
-            (entrySize > kSizeWord && static_cast<size_t>(entrySize - kSizeWord) > bytes.Size())) {
-            return;
-        }
-        TagEntry& entry = out.emplace_back();
-        // An entry that does not even cover its own size word is listed and ends the list.
-        if (entrySize < kSizeWord ||
-            !ReadEntry(entry, bytes.Take(static_cast<size_t>(entrySize - kSizeWord)))) {
-            return;
-        }
-    }
+    return TakeInt32(bytes, count) ? TagList(bytes, count) : TagList();
 }

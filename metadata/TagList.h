@@ -1,22 +1,57 @@
 #pragma once
 
-#include "support/ByteBuffer.h"
-#include "support/XString.h"
+#include "support/Utf16View.h"
 
 #include <cstdint>
-#include <vector>
+#include <iterator>
+#include <span>
 
-/// One named value of an audio file: an ID tag or an audio property.
+/// One named value of an audio file, an ID tag or an audio property, as it stands in a packed list.
 struct TagEntry {
-    XString name;
-    XString value;
-    ByteBuffer rawData; ///< binary content, such as a picture; empty for a text entry
+    Utf16View name;
+    Utf16View value;
+    std::span<const uint8_t> rawData; ///< binary content, such as a picture; empty for a text entry
 };
 
-using TagList = std::vector<TagEntry>;
+/// The entries of a packed tag list (decoders/DecoderRecords.h) in their order, read in place as a range:
+/// the list's bytes must outlive it and what it yields. Pure code.
+class TagList {
+public:
+    class Iterator {
+    public:
+        Iterator(std::span<const uint8_t> bytes, int32_t count) noexcept : m_bytes(bytes), m_count(count) {
+            Read();
+        }
+        const TagEntry& operator*() const noexcept { return m_entry; }
+        Iterator& operator++() noexcept {
+            Read();
+            return *this;
+        }
+        bool operator==(std::default_sentinel_t) const noexcept { return m_ended; }
 
-/// Parses a packed tag list (decoders/DecoderRecords.h) in its order, replacing what `out` held. The bytes
-/// may be at any address and hold anything: nothing at or past `data + size` is read, and the parse ends at
-/// the first entry that does not fit, keeping what was read so far. Null or a size below 1 gives an empty
-/// list. Pure code.
-void ParseTagBlob(TagList& out, const void* data, int32_t size);
+    private:
+        void Read() noexcept;
+
+        std::span<const uint8_t> m_bytes; // not read yet
+        int32_t m_count;                  // of entries to come, at most
+        TagEntry m_entry;
+        bool m_ended = false;
+    };
+
+    /// A list without entries.
+    TagList() noexcept = default;
+
+    /// `bytes` begins behind the count.
+    TagList(std::span<const uint8_t> bytes, int32_t count) noexcept : m_bytes(bytes), m_count(count) {}
+
+    Iterator begin() const noexcept { return Iterator(m_bytes, m_count); }
+    std::default_sentinel_t end() const noexcept { return {}; }
+
+private:
+    std::span<const uint8_t> m_bytes;
+    int32_t m_count = 0;
+};
+
+/// The list at `data`, which may be at any address and hold anything: nothing at or past `data + size` is
+/// read, and the list ends at the first entry that does not fit. Null or a size below 1 gives an empty list.
+TagList ParseTagBlob(const void* data, int32_t size) noexcept;

@@ -1,10 +1,7 @@
 #include "metadata/TransformDocument.h"
 
-#include "metadata/Com.h"
-
 #include <msxml2.h>
 
-#include <algorithm>
 #include <limits>
 
 namespace {
@@ -41,20 +38,6 @@ ComPtr<Interface> Create(const GUID& classId) {
     ComPtr<Interface> object;
     CreateObject(classId, kInterfaceId<Interface>, reinterpret_cast<void**>(object.Receive()));
     return object;
-}
-
-/// The document as one text, with nothing between its lines.
-Bstr JoinLines(const XStringList& lines) {
-    size_t size = 0;
-    for (const XString& line : lines) {
-        size += line.Size();
-    }
-    Bstr joined(size);
-    wchar_t* end = joined.Get();
-    for (const XString& line : lines) {
-        end = std::copy_n(line.Text(), line.Size(), end);
-    }
-    return joined;
 }
 
 /// One transformation: its objects, released in the reverse of this order, and where it reports.
@@ -168,9 +151,8 @@ private:
 
 } // namespace
 
-bool TransformDocument(const CreateRecord& log, const wchar_t* scope, const XStringList& lines,
+bool TransformDocument(const CreateRecord& log, const wchar_t* scope, const Bstr& document,
                        const XString& styleSheetPath, ByteBuffer& out) {
-    const Bstr document = JoinLines(lines);
     const ComInitScope com;
     Transformation transformation(log, scope);
     try {

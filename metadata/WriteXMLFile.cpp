@@ -4,10 +4,9 @@
 #include "metadata/SourceReaders.h"
 #include "metadata/TransformDocument.h"
 #include "support/Paths.h"
-#include "support/Utf8.h"
+#include "support/Utf16Writer.h"
+#include "support/Utf8Writer.h"
 #include "support/XFileFind.h"
-
-#include <string>
 
 namespace {
 
@@ -44,26 +43,36 @@ void ReadTimes(FileTexts& texts, const MetadataContext& context, const XString& 
     texts.accessed = GetFormattedFileDateTime(context, fileName, FileTime::Accessed);
 }
 
-/// Reads what the host does not supply, copies what it does, and builds the document.
-XStringList GatherDocument(const MetadataContext& context, const AfterConversionInfo& info,
-                           const XString& sourceFile, const XString& convertedFile) {
-    const bool hasSourceFile = Compare(sourceFile.Text(), kNoSourceFile) != 0;
+/// What the document is made of, with the memory of the lists that the readers fetched.
+struct Facts {
     FileFacts source;
     FileFacts converted;
-    ByteBuffer list;
+    ByteBuffer sourceTags;
+    ByteBuffer convertedProperties;
+};
+
+TagList ListIn(const ByteBuffer& list) noexcept {
+    return ParseTagBlob(list.Data(), static_cast<int32_t>(list.Size()));
+}
+
+/// Reads what the host does not supply, and takes what it does from its record.
+void Gather(Facts& facts, const MetadataContext& context, const AfterConversionInfo& info,
+            const XString& sourceFile, const XString& convertedFile) {
+    FileFacts& source = facts.source;
+    FileFacts& converted = facts.converted;
+    const bool hasSourceFile = Compare(sourceFile.Text(), kNoSourceFile) != 0;
 
     GetAudioInfo(context, convertedFile, converted.info);
-    GetAudioProperties(context, convertedFile, list);
-    ParseTagBlob(converted.properties, list.Data(), static_cast<int32_t>(list.Size()));
+    GetAudioProperties(context, convertedFile, facts.convertedProperties);
+    converted.properties = ListIn(facts.convertedProperties);
     if (hasSourceFile) {
-        ByteBuffer tags;
-        GetIDTags(context, sourceFile, tags);
-        ParseTagBlob(source.idTags, tags.Data(), static_cast<int32_t>(tags.Size()));
+        GetIDTags(context, sourceFile, facts.sourceTags);
+        source.idTags = ListIn(facts.sourceTags);
     }
     // Sizes of 2 GiB and more turn negative here and count as no list.
-    ParseTagBlob(converted.idTags, info.destIDTags, static_cast<int32_t>(info.destIDTagsSize));
-    ParseTagBlob(source.properties, info.sourceAudioProperties,
-                 static_cast<int32_t>(info.sourceAudioPropertiesSize));
+    converted.idTags = ParseTagBlob(info.destIDTags, static_cast<int32_t>(info.destIDTagsSize));
+    source.properties =
+        ParseTagBlob(info.sourceAudioProperties, static_cast<int32_t>(info.sourceAudioPropertiesSize));
     if (info.sourceAudioInfo != nullptr) {
         source.info = *info.sourceAudioInfo;
     }
@@ -74,27 +83,33 @@ XStringList GatherDocument(const MetadataContext& context, const AfterConversion
     }
     converted.texts = SplitFileTexts(convertedFile);
     ReadTimes(converted.texts, context, convertedFile);
-    return BuildDocument(source, converted);
-}
-
-std::string RenderUtf8(const XStringList& lines) {
-    std::string bytes;
-    size_t units = 0;
-    for (const XString& line : lines) {
-        units += line.Length() + 1;
-    }
-    bytes.reserve(units);
-    for (const XString& line : lines) {
-        AppendUtf8(bytes, line);
-        bytes.append("\r\n");
-    }
-    return bytes;
 }
 
 /// A file that cannot be opened or written is passed over in silence.
-void ReplaceFile(XFile& file, const XString& path, const void* data, size_t size) {
+void WriteDocument(XFile& file, const XString& path, const Facts& facts) {
+    // It takes its memory before the file is opened: running out of it must not cost an existing file.
+    Utf8Writer<XFile> out(file);
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
-        file.Write(data, size);
+        Document(out).Write(facts.source, facts.converted);
+        out.Flush();
+        file.Close();
+    }
+}
+
+/// The document as one text, with nothing between its lines.
+Bstr JoinDocument(const Facts& facts) {
+    Utf16Writer measure(nullptr);
+    Document(measure).Write(facts.source, facts.converted);
+    Bstr text(measure.Size());
+    Utf16Writer store(text.Get());
+    Document(store).Write(facts.source, facts.converted);
+    return text;
+}
+
+/// As WriteDocument, with bytes that are there already.
+void ReplaceFile(XFile& file, const XString& path, const ByteBuffer& bytes) {
+    if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
+        file.Write(bytes.Data(), bytes.Size());
         file.Close();
     }
 }
@@ -112,18 +127,17 @@ int32_t WriteXMLFile(const MetadataContext& context, const AfterConversionInfo& 
     const XString outputPath = OutputPath(context, convertedFile);
     Log(outputPath.Text(), context.log, kScope);
 
-    // All is made before the output file is opened: running out of memory must not cost an existing one.
-    const XStringList lines = GatherDocument(context, info, sourceFile, convertedFile);
+    Facts facts;
+    Gather(facts, context, info, sourceFile, convertedFile);
     if (transform) {
         ByteBuffer transformed;
         if (FileExists(context.xsltFile) &&
-            !TransformDocument(context.log, kScope, lines, context.xsltFile, transformed)) {
+            !TransformDocument(context.log, kScope, JoinDocument(facts), context.xsltFile, transformed)) {
             return 0;
         }
-        ReplaceFile(context.outputFile, outputPath, transformed.Data(), transformed.Size());
+        ReplaceFile(context.outputFile, outputPath, transformed);
     } else {
-        const std::string document = RenderUtf8(lines);
-        ReplaceFile(context.outputFile, outputPath, document.data(), document.size());
+        WriteDocument(context.outputFile, outputPath, facts);
     }
     Log(kLeave, context.log, kScope);
     return 1;

@@ -2,86 +2,55 @@
 
 namespace {
 
-constexpr wchar_t kValueSeparator = L'\r';
-
-/// The entity for a unit, or null for one that stands for itself.
-const wchar_t* EntityOf(wchar_t unit) noexcept {
-    switch (unit) {
-    case L'&':
-        return L"&amp;";
-    case L'"':
-        return L"&quot;";
-    case L'\'':
-        return L"&apos;";
-    case L'<':
-        return L"&lt;";
-    case L'>':
-        return L"&gt;";
-    default:
-        return nullptr;
+constexpr std::array<uint8_t, 0x80> MakeAsciiClasses() noexcept {
+    std::array<uint8_t, 0x80> classes = {};
+    classes.fill(kPlainInText | kKeptInName);
+    for (const char character : std::string_view("# &\"'<>()/\\:")) {
+        classes[static_cast<size_t>(character)] &= static_cast<uint8_t>(~kKeptInName);
     }
-}
-
-bool IsLeftOutOfNames(wchar_t unit) noexcept {
-    for (const wchar_t* left = L"# &\"'<>()/\\:"; *left != 0; ++left) {
-        if (*left == unit) {
-            return true;
-        }
+    for (const char character : std::string_view("&\"'<>")) {
+        classes[static_cast<size_t>(character)] &= static_cast<uint8_t>(~kPlainInText);
     }
-    return false;
+    return classes;
 }
 
 } // namespace
 
-XString EscapeXmlText(const XString& text) {
-    // Measured first, so that the result takes one allocation however large it gets.
-    size_t length = text.Length();
-    for (size_t pos = 1; pos <= text.Size(); ++pos) {
-        if (const wchar_t* entity = EntityOf(text.At(pos)); entity != nullptr) {
-            length += TextSize(entity) - 1;
-        }
+constexpr std::array<uint8_t, 0x80> kAsciiClasses = MakeAsciiClasses();
+
+std::string_view EntityOf(wchar_t unit) noexcept {
+    switch (unit) {
+    case L'&':
+        return "&amp;";
+    case L'"':
+        return "&quot;";
+    case L'\'':
+        return "&apos;";
+    case L'<':
+        return "&lt;";
+    case L'>':
+        return "&gt;";
+    default:
+        return {};
     }
-    if (length == text.Length()) {
-        return XString(text.Text(), text.Size());
-    }
-    XString escaped;
-    escaped.Reserve(length);
-    size_t plainPos = 1; // start of the run not copied yet
-    for (size_t pos = 1; pos <= text.Size(); ++pos) {
-        if (const wchar_t* entity = EntityOf(text.At(pos)); entity != nullptr) {
-            escaped.Append(text.Text() + plainPos - 1, pos - plainPos);
-            escaped.Append(entity);
-            plainPos = pos + 1;
-        }
-    }
-    escaped.Append(text.Text() + plainPos - 1, text.Length() - plainPos);
-    return escaped;
 }
 
-XString MakeElementName(const XString& name) {
-    XString element;
-    element.Reserve(name.Length());
-    size_t keptPos = 1; // start of the run not copied yet
-    for (size_t pos = 1; pos <= name.Size(); ++pos) {
-        if (IsLeftOutOfNames(name.At(pos))) {
-            element.Append(name.Text() + keptPos - 1, pos - keptPos);
-            keptPos = pos + 1;
+wchar_t FirstOfElementName(Utf16View name) noexcept {
+    for (size_t i = 0; i < name.Size(); ++i) {
+        if (!IsLeftOutOfNames(name[i])) {
+            return name[i];
         }
     }
-    element.Append(name.Text() + keptPos - 1, name.Length() - keptPos);
-    return element;
+    return 0;
 }
 
-void SplitValues(XStringList& out, const XString& text) {
-    out.Clear();
-    if (text.IsEmpty()) {
-        return;
+bool SplitValues::Next(Utf16View& piece) noexcept {
+    if (m_ended) {
+        return false;
     }
-    size_t pos = 1;
-    for (size_t separatorPos = text.Find(kValueSeparator, pos); separatorPos != 0;
-         separatorPos = text.Find(kValueSeparator, pos)) {
-        out.Add(text.Mid(pos, separatorPos - 1));
-        pos = separatorPos + 1;
-    }
-    out.Add(text.Mid(pos, text.Size()));
+    const size_t size = m_rest.Find(L'\r');
+    piece = m_rest.First(size);
+    m_ended = size == m_rest.Size();
+    m_rest = m_ended ? Utf16View() : m_rest.After(size + 1);
+    return true;
 }

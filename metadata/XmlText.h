@@ -1,18 +1,82 @@
 #pragma once
 
-#include "support/XString.h"
-#include "support/XStringList.h"
+#include "support/Utf16View.h"
 
-// Text tools of the document. Each takes time in proportion to the text. Pure code.
+#include <array>
+#include <cstdint>
+#include <string_view>
 
-/// The text with "&", the double quote, "'", "<" and ">" replaced by their entities. Everything else passes
-/// through, control characters and unpaired surrogates included.
-XString EscapeXmlText(const XString& text);
+// Text tools of the document. They append to a writer (support/Utf8Writer.h, support/Utf16Writer.h) and take
+// time in proportion to the text. Pure code.
 
-/// The name without the twelve characters # space & " ' < > ( ) / \ : and otherwise unchanged; possibly
-/// empty, and possibly no name that XML allows.
-XString MakeElementName(const XString& name);
+/// The entity for a unit, or an empty text for one that stands for itself.
+std::string_view EntityOf(wchar_t unit) noexcept;
 
-/// Cuts a multi-valued text at each CR, replacing what `out` held. An empty text has no piece at all; a text
-/// that ends in CR has an empty last piece. LF is an ordinary character.
-void SplitValues(XStringList& out, const XString& text);
+/// What may be done with an ASCII unit without looking at it.
+enum AsciiClass : uint8_t {
+    kPlainInText = 1, ///< it has no entity
+    kKeptInName = 2,  ///< it stays in an element name
+};
+extern const std::array<uint8_t, 0x80> kAsciiClasses;
+
+/// Whether a unit is ASCII and of the class.
+template<AsciiClass asciiClass>
+bool Is(wchar_t unit) noexcept {
+    return unit < kAsciiClasses.size() && (kAsciiClasses[unit] & asciiClass) != 0;
+}
+
+/// Whether an element name loses the unit: one of # space & " ' < > ( ) / \ :
+inline bool IsLeftOutOfNames(wchar_t unit) noexcept {
+    return unit < kAsciiClasses.size() && (kAsciiClasses[unit] & kKeptInName) == 0;
+}
+
+/// Appends the text with "&", the double quote, "'", "<" and ">" replaced by their entities. Everything else
+/// passes through, control characters and unpaired surrogates included.
+template<class Writer>
+void EscapeXmlText(Writer& out, Utf16View text) {
+    for (;;) {
+        text = text.After(out.AppendWhile(Is<kPlainInText>, text));
+        if (text.IsEmpty()) {
+            return;
+        }
+        if (const std::string_view entity = EntityOf(text[0]); !entity.empty()) {
+            out.Append(entity);
+        } else {
+            out.AppendUnit(text[0]);
+        }
+        text = text.After(1);
+    }
+}
+
+/// Appends the name without the units that element names lose, otherwise unchanged: possibly nothing, and
+/// possibly no name that XML allows.
+template<class Writer>
+void MakeElementName(Writer& out, Utf16View name) {
+    for (;;) {
+        name = name.After(out.AppendWhile(Is<kKeptInName>, name));
+        if (name.IsEmpty()) {
+            return;
+        }
+        if (!IsLeftOutOfNames(name[0])) {
+            out.AppendUnit(name[0]);
+        }
+        name = name.After(1);
+    }
+}
+
+/// The first unit of the element name, or 0 when that is empty.
+wchar_t FirstOfElementName(Utf16View name) noexcept;
+
+/// Cuts a multi-valued text at each CR. An empty text has no piece at all; a text that ends in CR has an
+/// empty last piece. LF is an ordinary character.
+class SplitValues {
+public:
+    explicit SplitValues(Utf16View text) noexcept : m_rest(text), m_ended(text.IsEmpty()) {}
+
+    /// False when there are no further pieces.
+    bool Next(Utf16View& piece) noexcept;
+
+private:
+    Utf16View m_rest;
+    bool m_ended;
+};

@@ -12,7 +12,7 @@ rm -rf build/fuzz
 mkdir -p build/fuzz/corpus
 clang++ -std=c++20 -g -O1 -I . -fshort-wchar -fno-builtin -Wall -Wextra -Werror \
     -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=all \
-    tests/fuzz/PureCodeFuzz.cpp support/{ByteBuffer,Paths,XString,XStringList}.cpp \
+    tests/fuzz/PureCodeFuzz.cpp support/{Paths,Utf16View,XString,XStringList}.cpp \
     metadata/{Document,TagList,WaveFormat,XmlText}.cpp plugin/ParseOptions.cpp -o build/fuzz/fuzz
 
 # Some settings texts, paths and tag lists to start from.

@@ -1,7 +1,6 @@
 #include "support/XString.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -94,16 +93,6 @@ size_t XString::FindLast(wchar_t unit) const noexcept {
         --pos;
     }
     return pos;
-}
-
-XString XString::FromBytes(const void* bytes, size_t size) {
-    XString text;
-    if (size != 0) {
-        text.Reserve(size + 1);
-        std::memcpy(text.m_buffer.get(), bytes, size * sizeof(wchar_t));
-        text.Terminate(size + 1);
-    }
-    return text;
 }
 
 XString XString::FromInt64(int64_t value) {

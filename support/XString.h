@@ -74,9 +74,6 @@ public:
     /// Position of the last `unit`, or 0.
     size_t FindLast(wchar_t unit) const noexcept;
 
-    /// A copy of `size` UTF-16 code units that may lie at any address.
-    static XString FromBytes(const void* bytes, size_t size);
-
     /// Decimal text, "-" in front of a negative value, no grouping.
     static XString FromInt64(int64_t value);
 

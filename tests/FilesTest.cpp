@@ -1,5 +1,4 @@
 #include "support/Paths.h"
-#include "support/Utf8.h"
 #include "support/XFile.h"
 #include "support/XFileFind.h"
 
@@ -106,27 +105,6 @@ TEST(XFileFind, ListsFilesAndFoldersOnce) {
     EXPECT_TRUE(all.Next() && all.Next() && all.Next() && all.Next());
     EXPECT_FALSE(all.Next()) << "the folder itself and its parent are passed over";
     EXPECT_FALSE(XFileFind(Text(folder.Path(L"none\\*"))).Next());
-}
-
-TEST(Utf8, RendersEveryPlaneAndRepairsLoneSurrogates) {
-    const std::pair<const wchar_t*, const char*> rows[] = {
-        {L"", ""},
-        {L"a\x00E9\x4E2D", "a\xC3\xA9\xE4\xB8\xAD"},
-        {L"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
-        {L"\xD83Dx", "\xEF\xBF\xBDx"},
-        {L"\xDE00", "\xEF\xBF\xBD"},
-    };
-    for (const auto& [text, expected] : rows) {
-        std::string bytes = "before ";
-        AppendUtf8(bytes, XString(text));
-        EXPECT_EQ(bytes, std::string("before ") + expected);
-    }
-    // Longer than the inner buffer, with a pair across every possible border.
-    for (size_t ahead = 4094; ahead < 4098; ++ahead) {
-        std::string bytes;
-        AppendUtf8(bytes, Text(std::wstring(ahead, L'x') + L"\xD83D\xDE00" + std::wstring(5000, L'y')));
-        EXPECT_EQ(bytes, std::string(ahead, 'x') + "\xF0\x9F\x98\x80" + std::string(5000, 'y')) << ahead;
-    }
 }
 
 } // namespace

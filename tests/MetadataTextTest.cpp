@@ -2,9 +2,13 @@
 #include "metadata/TagList.h"
 #include "metadata/WaveFormat.h"
 #include "metadata/XmlText.h"
+#include "support/Utf16Writer.h"
+#include "support/Utf8Writer.h"
 
+#include "tests/FileInMemory.h"
 #include "tests/GuardedBytes.h"
 #include "tests/TagBlob.h"
+#include "tests/Wide.h"
 
 #include <gtest/gtest.h>
 
@@ -13,16 +17,15 @@
 
 namespace {
 
-std::wstring Wide(const XString& text) {
-    return text.Text();
-}
-
-std::vector<std::wstring> Wide(const XStringList& list) {
-    std::vector<std::wstring> texts;
-    for (const XString& text : list) {
-        texts.push_back(text.Text());
-    }
-    return texts;
+/// What `append` hands to a writer.
+template<class Append>
+std::wstring Written(Append append) {
+    Utf16Writer measure(nullptr);
+    append(measure);
+    std::wstring text(measure.Size(), L'?');
+    Utf16Writer store(text.data());
+    append(store);
+    return text;
 }
 
 TEST(XmlText, EscapesTheFiveCharactersAndNothingElse) {
@@ -34,10 +37,8 @@ TEST(XmlText, EscapesTheFiveCharactersAndNothingElse) {
         {L"&&", L"&amp;&amp;"},
     };
     for (const auto& [text, expected] : rows) {
-        EXPECT_EQ(Wide(EscapeXmlText(XString(text))), expected);
+        EXPECT_EQ(Written([&](auto& out) { EscapeXmlText(out, XString(text)); }), expected);
     }
-    const XString escaped = EscapeXmlText(XString(L"a&b"));
-    EXPECT_EQ(escaped.Capacity(), escaped.Length()) << "measured, not grown";
 }
 
 TEST(XmlText, ElementNamesLoseTwelveCharacters) {
@@ -50,7 +51,8 @@ TEST(XmlText, ElementNamesLoseTwelveCharacters) {
                                                               {L"", L""},
                                                               {L"tab\tand\rreturn", L"tab\tand\rreturn"}};
     for (const auto& [name, expected] : rows) {
-        EXPECT_EQ(Wide(MakeElementName(XString(name))), expected);
+        EXPECT_EQ(Written([&](auto& out) { MakeElementName(out, XString(name)); }), expected);
+        EXPECT_EQ(FirstOfElementName(XString(name)), expected[0]);
     }
 }
 
@@ -63,10 +65,14 @@ TEST(XmlText, SplitsAtCarriageReturns) {
                                                                          {L"a\r\rb", {L"a", L"", L"b"}},
                                                                          {L"\r", {L"", L""}},
                                                                          {L"a\nb", {L"a\nb"}}};
-    XStringList pieces;
     for (const auto& [text, expected] : rows) {
-        SplitValues(pieces, XString(text));
-        EXPECT_EQ(Wide(pieces), expected) << text;
+        const XString whole(text);
+        SplitValues values(whole);
+        std::vector<std::wstring> pieces;
+        for (Utf16View piece; values.Next(piece);) {
+            pieces.push_back(Wide(piece));
+        }
+        EXPECT_EQ(pieces, expected) << text;
     }
 }
 
@@ -74,14 +80,11 @@ TEST(XmlText, SplitsAtCarriageReturns) {
 // data, entries parted by "|".
 std::wstring Parsed(const std::vector<uint8_t>& bytes) {
     const GuardedBytes guarded(bytes);
-    TagList list;
-    list.emplace_back(); // must be gone afterwards
-    ParseTagBlob(list, guarded.Data(), static_cast<int32_t>(guarded.Size()));
     std::wstring text;
-    for (const TagEntry& entry : list) {
+    for (const TagEntry& entry : ParseTagBlob(guarded.Data(), static_cast<int32_t>(guarded.Size()))) {
         text += (text.empty() ? L"" : L"|") + Wide(entry.name) + L"=" + Wide(entry.value);
-        if (!entry.rawData.IsEmpty()) {
-            text += L"+" + std::to_wstring(entry.rawData.Size());
+        if (!entry.rawData.empty()) {
+            text += L"+" + std::to_wstring(entry.rawData.size());
         }
     }
     return text;
@@ -137,18 +140,12 @@ TEST(TagBlob, KeepsWhatFitsAndStopsAtTheFirstBadEntry) {
 }
 
 TEST(TagBlob, RawDataHoldsTheBytesAndNullIsEmpty) {
-    const GuardedBytes guarded(TagBlob().Add(L"pic", L"png", Bytes({1, 2, 255})).Bytes());
-    TagList list;
-    ParseTagBlob(list, guarded.Data(), static_cast<int32_t>(guarded.Size()));
-    ASSERT_EQ(list.size(), 1u);
-    const uint8_t* raw = list[0].rawData.Data();
-    EXPECT_EQ(std::vector<uint8_t>(raw, raw + list[0].rawData.Size()), Bytes({1, 2, 255}));
-    for (const int32_t size : {-1, 0}) {
-        ParseTagBlob(list, guarded.Data(), size);
-        EXPECT_TRUE(list.empty()) << size;
+    const std::vector<uint8_t> bytes = TagBlob().Add(L"pic", L"png", Bytes({1, 2, 255})).Bytes();
+    const TagEntry entry = *ParseTagBlob(bytes.data(), static_cast<int32_t>(bytes.size())).begin();
+    EXPECT_EQ(std::vector<uint8_t>(entry.rawData.begin(), entry.rawData.end()), Bytes({1, 2, 255}));
+    for (const TagList& list : {TagList(), ParseTagBlob(nullptr, 100), ParseTagBlob(bytes.data(), -1)}) {
+        EXPECT_TRUE(list.begin() == list.end());
     }
-    ParseTagBlob(list, nullptr, 100);
-    EXPECT_TRUE(list.empty());
 }
 
 TEST(TagBlob, NeverReadsPastAnyEnd) {
@@ -211,67 +208,72 @@ TEST(WaveFormat, WorksOutBlockSizeAndByteRateOfPcmAndFloat) {
     EXPECT_EQ(signedRate.SamplesPerSec(), INT32_MIN);
 }
 
+/// The document of a source and a converted file with the same facts, line by line.
+std::vector<std::string> Lines(const FileFacts& facts) {
+    FileInMemory file;
+    Utf8Writer out(file);
+    Document(out).Write(facts, facts);
+    out.Flush();
+    std::vector<std::string> lines;
+    for (size_t at = 0, end = 0; (end = file.bytes.find("\r\n", at)) != std::string::npos; at = end + 2) {
+        lines.push_back(file.bytes.substr(at, end - at));
+    }
+    return lines;
+}
+
 TEST(Document, EachListHasItsOwnRuleForOddNames) {
     // Lines written for one entry in each of the four lists, from the same name and value.
     const struct {
         const wchar_t *name, *value;
         uint32_t rawSize;
-        std::vector<std::wstring> sourceProperty, convertedProperty, tag;
+        std::vector<const char*> sourceProperty, convertedProperty, tag;
     } rows[] = {
-        {L"Sample Rate", L"<1>", 0, {L"<SampleRate name=\"Sample Rate\">&lt;1&gt;</SampleRate>"}, {}, {}},
-        {L"a\"b", L"", 0, {L"<ab name=\"a&quot;b\"></ab>"}, {L"<ab name=\"a&quot;b\"></ab>"}, {{}}},
-        {L"( )", L"x", 0, {{}}, {L"< name=\"( )\">x</>"}, {L"< name=\"( )\">x</>"}},
-        {L"_hidden", L"x", 0, {{}}, {{}}, {L"<_hidden name=\"_hidden\">x</_hidden>"}},
-        {L"(_)", L"x", 0, {{}}, {{}}, {L"<_ name=\"(_)\">x</_>"}},
-        {L"Cover", L"x", 9, {{}}, {{}}, {{}}},
+        {L"Sample Rate", L"<1>", 0, {"<SampleRate name=\"Sample Rate\">&lt;1&gt;</SampleRate>"}, {}, {}},
+        {L"a\"b", L"", 0, {"<ab name=\"a&quot;b\"></ab>"}, {"<ab name=\"a&quot;b\"></ab>"}, {""}},
+        {L"( )", L"x", 0, {""}, {"< name=\"( )\">x</>"}, {"< name=\"( )\">x</>"}},
+        {L"_hidden", L"x", 0, {""}, {""}, {"<_hidden name=\"_hidden\">x</_hidden>"}},
+        {L"(_)", L"x", 0, {""}, {""}, {"<_ name=\"(_)\">x</_>"}},
+        {L"Cover", L"x", 9, {""}, {""}, {""}},
         {L"t",
          L"a&\rb\r",
          0,
-         {L"<t name=\"t\">a&amp;\rb\r</t>"},
+         {"<t name=\"t\">a&amp;\rb\r</t>"},
          {},
-         {L"<t name=\"t\">a&amp;</t>", L"<t name=\"t\">b</t>", L"<t name=\"t\"></t>"}},
+         {"<t name=\"t\">a&amp;</t>", "<t name=\"t\">b</t>", "<t name=\"t\"></t>"}},
     };
     for (const auto& row : rows) {
-        const auto list = [&row] {
-            TagList entries;
-            TagEntry& entry = entries.emplace_back();
-            entry.name.Assign(row.name);
-            entry.value.Assign(row.value);
-            entry.rawData.Assign("123456789", row.rawSize);
-            return entries;
-        };
-        FileFacts source, converted;
-        source.properties = list();
-        source.idTags = list();
-        converted.properties = list();
-        converted.idTags = list();
-        const XStringList lines = BuildDocument(source, converted);
-        const auto written = [&lines](size_t& at, const wchar_t* section) {
-            std::vector<std::wstring> entries;
-            while (Wide(lines[at]) != std::wstring(L"\t\t<") + section + L">") {
+        const std::vector<uint8_t> bytes =
+            TagBlob().Add(row.name, row.value, std::vector<uint8_t>(row.rawSize)).Bytes();
+        FileFacts facts;
+        facts.properties = ParseTagBlob(bytes.data(), static_cast<int32_t>(bytes.size()));
+        facts.idTags = facts.properties;
+        const std::vector<std::string> lines = Lines(facts);
+        const auto written = [&lines](size_t& at, const char* section) {
+            std::vector<std::string> entries;
+            while (lines[at] != std::string("\t\t<") + section + ">") {
                 ++at;
             }
-            while (Wide(lines[++at]) != std::wstring(L"\t\t</") + section + L">") {
-                entries.push_back(Wide(lines[at]));
+            while (lines[++at] != std::string("\t\t</") + section + ">") {
+                entries.push_back(lines[at]);
             }
             return entries;
         };
-        const auto expected = [](const std::vector<std::wstring>& texts,
-                                 const std::vector<std::wstring>& otherwise) {
-            std::vector<std::wstring> entries; // {} means "as otherwise", {""} means none
-            for (const std::wstring& text : texts.empty() ? otherwise : texts) {
-                if (!text.empty()) {
-                    entries.push_back(L"\t\t\t" + text);
+        const auto expected = [](const std::vector<const char*>& texts,
+                                 const std::vector<const char*>& otherwise) {
+            std::vector<std::string> entries; // {} means "as otherwise", {""} means none
+            for (const char* text : texts.empty() ? otherwise : texts) {
+                if (*text != 0) {
+                    entries.push_back(std::string("\t\t\t") + text);
                 }
             }
             return entries;
         };
         size_t at = 0;
-        EXPECT_EQ(written(at, L"AudioProperties"), expected(row.sourceProperty, {})) << row.name;
-        EXPECT_EQ(written(at, L"IDTags"), expected(row.tag, row.sourceProperty)) << row.name;
-        EXPECT_EQ(written(at, L"AudioProperties"), expected(row.convertedProperty, row.sourceProperty))
+        EXPECT_EQ(written(at, "AudioProperties"), expected(row.sourceProperty, {})) << row.name;
+        EXPECT_EQ(written(at, "IDTags"), expected(row.tag, row.sourceProperty)) << row.name;
+        EXPECT_EQ(written(at, "AudioProperties"), expected(row.convertedProperty, row.sourceProperty))
             << row.name;
-        EXPECT_EQ(written(at, L"IDTags"), expected(row.tag, row.sourceProperty)) << row.name;
+        EXPECT_EQ(written(at, "IDTags"), expected(row.tag, row.sourceProperty)) << row.name;
     }
 }
 

@@ -3,6 +3,7 @@
 #include "support/ProgramFolder.h"
 #include "tests/Files.h"
 #include "tests/TagBlob.h"
+#include "tests/Wide.h"
 
 // The sample decoder libraries, through their exports, on files made byte by byte.
 
@@ -49,14 +50,13 @@ private:
 /// "Name=value" for each entry, with the bytes of binary data behind it and " | " between entries. The list
 /// must be whole: as many entries as it counts, and not a byte more.
 std::wstring Render(const void* list, int32_t size) {
-    TagList entries;
-    ParseTagBlob(entries, static_cast<const uint8_t*>(list), size);
     TagBlob whole;
     std::wstring text;
-    for (const TagEntry& entry : entries) {
-        const std::vector<uint8_t> raw(entry.rawData.Data(), entry.rawData.Data() + entry.rawData.Size());
-        whole.Add(entry.name.Text(), entry.value.Text(), raw);
-        text += (text.empty() ? L"" : L" | ") + std::wstring(entry.name.Text()) + L'=' + entry.value.Text();
+    for (const TagEntry& entry : ParseTagBlob(list, size)) {
+        const std::wstring name = Wide(entry.name), value = Wide(entry.value);
+        const std::vector<uint8_t> raw(entry.rawData.begin(), entry.rawData.end());
+        whole.Add(name, value, raw);
+        text += (text.empty() ? L"" : L" | ") + name + L'=' + value;
         text += (raw.empty() ? L"" : L" #") + std::wstring(raw.begin(), raw.end());
     }
     const uint8_t* const begin = static_cast<const uint8_t*>(list);

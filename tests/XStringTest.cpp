@@ -1,16 +1,18 @@
 #include "support/XString.h"
+#include "support/Utf8Writer.h"
 #include "support/XStringList.h"
+
+#include "tests/FileInMemory.h"
+#include "tests/Wide.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
-
-std::wstring Wide(const XString& text) {
-    return text.Text();
-}
 
 TEST(XString, ReadsAsEmptyWhenNothingWasAssigned) {
     XString owner(L"0123456789");
@@ -131,6 +133,75 @@ TEST(XStringList, GrowsByDoublingSteps) {
     list.Clear();
     EXPECT_EQ(list.Count(), 0u);
     EXPECT_EQ(list.Capacity(), 16u);
+}
+
+TEST(Utf16View, FindsTheFirstUnitAtAnyAddress) {
+    const std::wstring text = L"abcdefghij\x0061\x6100\x0100";
+    for (const size_t shift : {0u, 1u}) {
+        std::vector<uint8_t> bytes(shift + text.size() * 2);
+        std::memcpy(bytes.data() + shift, text.data(), text.size() * 2);
+        const Utf16View view(bytes.data() + shift, text.size());
+        for (const wchar_t unit : text) {
+            EXPECT_EQ(view.Find(unit), text.find(unit));
+        }
+        EXPECT_EQ(view.Find(0), text.size()) << "two halves of units are none";
+        EXPECT_EQ(view.First(3).Find(L'd'), 3u);
+        EXPECT_EQ(view.After(10)[0], L'a');
+    }
+}
+
+std::string Utf8(const std::wstring& text) {
+    FileInMemory file;
+    Utf8Writer out(file);
+    for (const wchar_t unit : text) {
+        out.AppendUnit(unit);
+    }
+    out.Flush();
+    return file.bytes;
+}
+
+TEST(Utf8Writer, RendersEveryPlaneAndRepairsLoneSurrogates) {
+    const std::pair<const wchar_t*, const char*> rows[] = {
+        {L"", ""},
+        {L"a\x007F\x0080\x07FF\x0800\xFFFF", "a\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
+        {L"\xD7FF\xE000", "\xED\x9F\xBF\xEE\x80\x80"},
+        {L"\xD800\xDC00\xDBFF\xDFFF", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
+        {L"\xD83Dx\xDE00", "\xEF\xBF\xBDx\xEF\xBF\xBD"},
+        {L"\xD83D\xD83D\xDE00", "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
+        {L"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+        {L"\xFFFD\xDE00", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+    };
+    for (const auto& [text, expected] : rows) {
+        EXPECT_EQ(Utf8(text), expected);
+    }
+}
+
+TEST(Utf8Writer, LosesNothingBetweenItsPieces) {
+    constexpr size_t kPiece = 64 * 1024;
+    for (size_t ahead = kPiece - 8; ahead < kPiece + 4; ++ahead) {
+        const std::wstring units(ahead, L'x');
+        FileInMemory file;
+        Utf8Writer out(file);
+        EXPECT_EQ(
+            out.AppendWhile([](wchar_t unit) { return unit == L'x'; }, Utf16View(units.data(), units.size())),
+            ahead);
+        out.AppendUnit(0xD83D);
+        out.AppendUnit(0xDE00);
+        out.Append("&amp;");
+        out.Flush();
+        EXPECT_EQ(file.bytes, std::string(ahead, 'x') + "\xF0\x9F\x98\x80&amp;") << ahead;
+    }
+}
+
+TEST(Utf8Writer, StopsAtTheFirstWriteThatFails) {
+    FileInMemory file;
+    file.writesLeft = 2;
+    Utf8Writer out(file);
+    for (const char* piece : {"one ", "two ", "three"}) {
+        out.Append(piece);
+        out.Flush();
+    }
+    EXPECT_EQ(file.bytes, "one two ");
 }
 
 } // namespace

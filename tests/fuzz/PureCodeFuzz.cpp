@@ -8,6 +8,7 @@
 #include "metadata/XmlText.h"
 #include "plugin/ParseOptions.h"
 #include "support/Paths.h"
+#include "support/Utf16Writer.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -26,8 +27,12 @@ void Require(bool condition, const char* what) {
     }
 }
 
-Text Plain(const XString& text) {
-    return Text(text.Text(), text.Text() + text.Size());
+Text Plain(Utf16View text) {
+    Text units;
+    for (size_t i = 0; i < text.Size(); ++i) {
+        units.push_back(text[i]);
+    }
+    return units;
 }
 
 Text Plain(const wchar_t* text) {
@@ -45,33 +50,44 @@ void ReplaceAll(Text& text, wchar_t unit, const wchar_t* replacement) {
     }
 }
 
-void CheckTextTools(const XString& text) {
+/// What `append` hands to a writer.
+template<class Append>
+Text Written(Append append) {
+    Utf16Writer measure(nullptr);
+    append(measure);
+    Text text(measure.Size());
+    Utf16Writer store(text.data());
+    append(store);
+    return text;
+}
+
+void CheckTextTools(Utf16View text) {
     Text escaped = Plain(text);
     ReplaceAll(escaped, L'&', L"&amp;");
     ReplaceAll(escaped, L'"', L"&quot;");
     ReplaceAll(escaped, L'\'', L"&apos;");
     ReplaceAll(escaped, L'<', L"&lt;");
     ReplaceAll(escaped, L'>', L"&gt;");
-    Require(Plain(EscapeXmlText(text)) == escaped, "escaping");
+    Require(Written([text](auto& out) { EscapeXmlText(out, text); }) == escaped, "escaping");
 
     Text name = Plain(text);
     for (const wchar_t unit : Plain(L"# &\"'<>()/\\:")) {
         std::erase(name, unit);
     }
-    Require(Plain(MakeElementName(text)) == name, "element name");
+    Require(Written([text](auto& out) { MakeElementName(out, text); }) == name, "element name");
 
-    XStringList pieces;
-    SplitValues(pieces, text);
+    SplitValues values(text);
     Text joined;
-    for (size_t i = 0; i < pieces.Count(); ++i) {
-        const Text piece = Plain(pieces[i]);
+    size_t count = 0;
+    for (Utf16View value; values.Next(value); ++count) {
+        const Text piece = Plain(value);
         Require(std::find(piece.begin(), piece.end(), L'\r') == piece.end(), "a piece holds a separator");
-        if (i != 0) {
+        if (count != 0) {
             joined.push_back(L'\r');
         }
         joined.insert(joined.end(), piece.begin(), piece.end());
     }
-    Require(joined == Plain(text) && (pieces.Count() != 0) == !text.IsEmpty(), "splitting");
+    Require(joined == Plain(text) && (count != 0) == !text.IsEmpty(), "splitting");
 }
 
 void CheckPaths(const XString& path) {
@@ -108,19 +124,20 @@ void CheckOptions(const XString& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FileFacts facts;
-    ParseTagBlob(facts.idTags, data, static_cast<int32_t>(size));
-    ParseTagBlob(facts.properties, data, static_cast<int32_t>(size));
+    facts.idTags = ParseTagBlob(data, static_cast<int32_t>(size));
+    facts.properties = facts.idTags;
     std::memcpy(&facts.info, data, std::min(size, sizeof facts.info));
     for (const TagEntry& entry : facts.idTags) {
         CheckTextTools(entry.name);
         CheckTextTools(entry.value);
     }
-    const XStringList lines = BuildDocument(facts, facts);
-    Require(lines.Count() >= 47, "a line of the document's frame is missing");
+    const Text document = Written([&facts](auto& out) { Document(out).Write(facts, facts); });
+    Require(document.size() > 1000, "a line of the document's frame is missing");
 
     // The same bytes as text: a terminator ends it, as it ends the host's texts.
-    const XString bytes = XString::FromBytes(data, size / sizeof(wchar_t));
-    const XString text(bytes.Text());
+    const Text bytes = Plain(Utf16View(data, size / sizeof(wchar_t)));
+    const XString text(bytes.data(),
+                       static_cast<size_t>(std::find(bytes.begin(), bytes.end(), 0) - bytes.begin()));
     CheckTextTools(text);
     CheckPaths(text);
     CheckOptions(text);

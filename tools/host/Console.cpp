@@ -1,24 +1,33 @@
 #include "tools/host/Console.h"
 
-#include "support/Utf8.h"
+#include "support/Utf8Writer.h"
 
 #include <windows.h>
 
-#include <algorithm>
-#include <string>
-
 namespace {
+
+struct Stream {
+    HANDLE handle;
+
+    bool Write(const void* data, size_t size) const noexcept {
+        DWORD written = 0;
+        return WriteFile(handle, data, static_cast<DWORD>(size), &written, nullptr) != 0;
+    }
+};
 
 void Print(DWORD stream, const XString& text) {
     SetConsoleOutputCP(CP_UTF8);
-    std::string line;
-    AppendUtf8(line, text);
-    line.erase(std::remove(line.begin(), line.end(), '\r'), line.end());
-    if (line.empty() || line.back() != '\n') {
-        line += '\n';
+    Stream file{GetStdHandle(stream)};
+    Utf8Writer<Stream> out(file);
+    for (size_t pos = 1; pos < text.Length(); ++pos) {
+        if (text.At(pos) != L'\r') {
+            out.AppendUnit(text.At(pos));
+        }
     }
-    DWORD written = 0;
-    WriteFile(GetStdHandle(stream), line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    if (text.IsEmpty() || text.At(text.Size()) != L'\n') {
+        out.Append("\n");
+    }
+    out.Flush();
 }
 
 } // namespace

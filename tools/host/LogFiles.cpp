@@ -39,8 +39,8 @@ XString LogFiles::ReadErrors() const {
     if (size == INVALID_FILE_SIZE || SetFilePointer(m_errors.Get(), 0, nullptr, FILE_BEGIN) != 0) {
         return XString();
     }
-    std::vector<uint8_t> bytes(size);
+    std::vector<wchar_t> text(size / sizeof(wchar_t));
     DWORD read = 0;
-    ReadFile(m_errors.Get(), bytes.data(), size, &read, nullptr);
-    return XString::FromBytes(bytes.data(), read / sizeof(wchar_t));
+    ReadFile(m_errors.Get(), text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)), &read, nullptr);
+    return XString(text.data(), read / sizeof(wchar_t));
 }

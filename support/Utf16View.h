@@ -1,0 +1,40 @@
+#pragma once
+
+#include "support/XString.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+/// A run of UTF-16 code units that belongs to someone else: not terminated, and at any address, odd ones
+/// included. Pure code.
+class Utf16View {
+public:
+    Utf16View() noexcept = default;
+    Utf16View(const void* units, size_t size) noexcept
+        : m_bytes(static_cast<const uint8_t*>(units)), m_size(size) {}
+    Utf16View(const XString& text) noexcept : Utf16View(text.Text(), text.Size()) {}
+
+    size_t Size() const noexcept { return m_size; }
+    bool IsEmpty() const noexcept { return m_size == 0; }
+
+    /// `index` counts from 0 and must be below Size().
+    wchar_t operator[](size_t index) const noexcept {
+        wchar_t unit = 0;
+        std::memcpy(&unit, m_bytes + index * sizeof unit, sizeof unit);
+        return unit;
+    }
+
+    /// The first `size` units, and what follows the first `size` units; so many must be there.
+    Utf16View First(size_t size) const noexcept { return Utf16View(m_bytes, size); }
+    Utf16View After(size_t size) const noexcept {
+        return Utf16View(m_bytes + size * sizeof(wchar_t), m_size - size);
+    }
+
+    /// Index of the first `unit`, or Size() when there is none.
+    size_t Find(wchar_t unit) const noexcept;
+
+private:
+    const uint8_t* m_bytes = nullptr;
+    size_t m_size = 0;
+};

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "support/Utf16View.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+/// Writes text to a file as UTF-8, in large pieces, without byte-order mark. An unpaired surrogate becomes
+/// U+FFFD, as WideCharToMultiByte makes it; the halves of a pair may come one after the other.
+///
+/// `File` has `bool Write(const void* data, size_t size)`. After a write that failed nothing more is written,
+/// so that what is there is the text's beginning. All memory is taken by the constructor. Pure code.
+template<class File>
+class Utf8Writer {
+public:
+    explicit Utf8Writer(File& file) : m_file(file), m_piece(new char[kPieceSize]) {}
+
+    /// `ascii` must be shorter than a piece.
+    void Append(std::string_view ascii) noexcept {
+        if (Room() < ascii.size()) {
+            Flush();
+        }
+        std::memcpy(&m_piece[m_size], ascii.data(), ascii.size());
+        m_size += ascii.size();
+    }
+
+    /// Appends the units of `text` until one is not `plain`, and returns how many those were. Every plain
+    /// unit must be ASCII.
+    template<class IsPlain>
+    size_t AppendWhile(IsPlain isPlain, Utf16View text) noexcept {
+        size_t done = 0;
+        while (done < text.Size()) {
+            const size_t end = done + std::min(text.Size() - done, Room());
+            char* out = &m_piece[m_size]; // a local: what is stored through it cannot change the object
+            const size_t begin = done;
+            for (; done < end && isPlain(text[done]); ++done) {
+                *out++ = static_cast<char>(text[done]);
+            }
+            m_size += done - begin;
+            if (done < end) {
+                break;
+            }
+            if (Room() == 0) {
+                Flush();
+            }
+        }
+        return done;
+    }
+
+    void AppendUnit(wchar_t unit) noexcept {
+        if ((unit & kSurrogateMask) == kLowSurrogate && m_size == m_highEnd) {
+            // Completes the pair whose first half has been replaced.
+            m_size -= 3;
+            Put4(0x10000u + ((m_high & 0x3FFu) << 10) + (unit & 0x3FFu));
+            return;
+        }
+        if (Room() < kMostBytes) {
+            Flush();
+        }
+        if (unit < 0x80) {
+            m_piece[m_size++] = static_cast<char>(unit);
+        } else if (unit < 0x800) {
+            m_piece[m_size++] = static_cast<char>(0xC0 | (unit >> 6));
+            PutTail(unit);
+        } else if ((unit & kSurrogateMask) == kHighSurrogate) {
+            Put3(kReplacement);
+            m_high = unit;
+            m_highEnd = m_size;
+        } else {
+            Put3((unit & kSurrogateMask) == kLowSurrogate ? kReplacement : unit);
+        }
+    }
+
+    void EndLine() noexcept { Append("\r\n"); }
+
+    /// Writes what is still held; nothing else does at the end.
+    void Flush() noexcept {
+        m_intact = m_intact && m_file.Write(m_piece.get(), m_size);
+        m_size = 0;
+        m_highEnd = kNone;
+    }
+
+private:
+    static constexpr size_t kPieceSize = 64 * 1024;
+    static constexpr size_t kMostBytes = 4; // of one character
+    static constexpr size_t kNone = kPieceSize + 1;
+    static constexpr uint32_t kSurrogateMask = 0xFC00;
+    static constexpr uint32_t kHighSurrogate = 0xD800;
+    static constexpr uint32_t kLowSurrogate = 0xDC00;
+    static constexpr uint32_t kReplacement = 0xFFFD;
+
+    size_t Room() const noexcept { return kPieceSize - m_size; }
+
+    void PutTail(uint32_t bits) noexcept { m_piece[m_size++] = static_cast<char>(0x80 | (bits & 0x3F)); }
+    void Put3(uint32_t character) noexcept {
+        m_piece[m_size++] = static_cast<char>(0xE0 | (character >> 12));
+        PutTail(character >> 6);
+        PutTail(character);
+    }
+    void Put4(uint32_t character) noexcept {
+        m_piece[m_size++] = static_cast<char>(0xF0 | (character >> 18));
+        PutTail(character >> 12);
+        PutTail(character >> 6);
+        PutTail(character);
+    }
+
+    File& m_file;
+    std::unique_ptr<char[]> m_piece;
+    size_t m_size = 0;        // of what the piece holds
+    size_t m_highEnd = kNone; // where the replacement of a high surrogate ends in it
+    wchar_t m_high = 0;       // that surrogate
+    bool m_intact = true;
+};

@@ -6,10 +6,10 @@ constexpr std::array<uint8_t, 0x80> MakeAsciiClasses() noexcept {
     std::array<uint8_t, 0x80> classes = {};
     classes.fill(kPlainInText | kKeptInName);
     for (const char character : std::string_view("# &\"'<>()/\\:")) {
-        classes[static_cast<size_t>(character)] &= static_cast<uint8_t>(~kKeptInName);
+        classes[static_cast<unsigned char>(character)] &= static_cast<uint8_t>(~kKeptInName);
     }
     for (const char character : std::string_view("&\"'<>")) {
-        classes[static_cast<size_t>(character)] &= static_cast<uint8_t>(~kPlainInText);
+        classes[static_cast<unsigned char>(character)] &= static_cast<uint8_t>(~kPlainInText);
     }
     return classes;
 }

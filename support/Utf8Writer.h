@@ -84,7 +84,7 @@ public:
     }
 
 private:
-    static constexpr size_t kPieceSize = 64 * 1024;
+    static constexpr size_t kPieceSize = 65536;
     static constexpr size_t kMostBytes = 4; // of one character
     static constexpr size_t kNone = kPieceSize + 1;
     static constexpr uint32_t kSurrogateMask = 0xFC00;

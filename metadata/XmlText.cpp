@@ -1,5 +1,7 @@
 #include "metadata/XmlText.h"
 
+#include <string_view>
+
 namespace {
 
 constexpr std::array<uint8_t, 0x80> MakeAsciiClasses() noexcept {
@@ -17,23 +19,6 @@ constexpr std::array<uint8_t, 0x80> MakeAsciiClasses() noexcept {
 } // namespace
 
 constexpr std::array<uint8_t, 0x80> kAsciiClasses = MakeAsciiClasses();
-
-std::string_view EntityOf(wchar_t unit) noexcept {
-    switch (unit) {
-    case L'&':
-        return "&amp;";
-    case L'"':
-        return "&quot;";
-    case L'\'':
-        return "&apos;";
-    case L'<':
-        return "&lt;";
-    case L'>':
-        return "&gt;";
-    default:
-        return {};
-    }
-}
 
 wchar_t FirstOfElementName(Utf16View name) noexcept {
     for (size_t i = 0; i < name.Size(); ++i) {

@@ -4,13 +4,9 @@
 
 #include <array>
 #include <cstdint>
-#include <string_view>
 
 // Text tools of the document. They append to a writer (support/Utf8Writer.h, support/Utf16Writer.h) and take
 // time in proportion to the text. Pure code.
-
-/// The entity for a unit, or an empty text for one that stands for itself.
-std::string_view EntityOf(wchar_t unit) noexcept;
 
 /// What may be done with an ASCII unit without looking at it.
 enum AsciiClass : uint8_t {
@@ -39,9 +35,23 @@ void EscapeXmlText(Writer& out, Utf16View text) {
         if (text.IsEmpty()) {
             return;
         }
-        if (const std::string_view entity = EntityOf(text[0]); !entity.empty()) {
-            out.Append(entity);
-        } else {
+        switch (text[0]) {
+        case L'&':
+            out.Append("&amp;");
+            break;
+        case L'"':
+            out.Append("&quot;");
+            break;
+        case L'\'':
+            out.Append("&apos;");
+            break;
+        case L'<':
+            out.Append("&lt;");
+            break;
+        case L'>':
+            out.Append("&gt;");
+            break;
+        default:
             out.AppendUnit(text[0]);
         }
         text = text.After(1);

@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# Makes the package of the last commit, build/package/WriteMetadataFile-<version>-win64.zip, and proves it: a second
+# build in another folder gives the same bytes, it holds what ships and nothing else, and the stand-in for the
+# converter gets a document and a page from it where it was unzipped.
+
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git googletest wine wine64 \
+    zip unzip flac alsa-utils libxml2-utils
+
+work=$root/build/package
+rm -rf "$work"
+
+# All times in the package are the commit's.
+SOURCE_DATE_EPOCH=$(git -C "$root" log -1 --format=%ct)
+export SOURCE_DATE_EPOCH TZ=UTC0
+
+# make_package FOLDER: builds the last commit in FOLDER and prints the path of its package.
+make_package() {
+    local zip
+    mkdir -p "$1"
+    git -C "$root" archive HEAD | tar -x -C "$1"
+    root=$1 build mingw-release WriteMetadataFile >&2
+    (cd "$1/build" && cpack --config mingw-release/CPackConfig.cmake) >"$1.log" || fail "cpack failed, see $1.log"
+    # CPack takes files as the file system lists them, and notes down whose they are: packed anew without both.
+    zip=$(echo "$1"/build/*.zip)
+    unzip -q "$zip" -d "$1/build/unzipped"
+    rm "$zip"
+    (cd "$1/build/unzipped" && find . -type f -printf '%P\n' | sort | zip -X -q -@ "$zip")
+    echo "$zip"
+}
+
+zip=$(make_package "$work/once")
+again=$(make_package "$work/the same commit elsewhere")
+cmp "$zip" "$again" || fail "two builds of one commit differ"
+cp "$zip" "$work/"
+zip=$work/${zip##*/}
+
+# From here on the package is used as its users use it.
+user=$work/user
+unzip -q "$zip" -d "$user"
+cd "$user"
+
+pages=(docs/{installing,settings,style-sheets,document,troubleshooting}.md docs/{settings-panel.png,AudioMetadata.xsd})
+diff <({ git -C "$root" ls-files XSLT && printf '%s\n' WriteMetadataFile.dll "${pages[@]}"; } | sort) \
+    <(find . -type f -printf '%P\n' | sort) || fail "the package does not hold what it should (<) or more (>)"
+grep -o '](\([^)#]*\)' docs/*.md | while IFS=: read -r page link; do
+    [[ $link == '](http'* || -z ${link:2} || -e docs/${link:2} ]] || fail "$page links to ${link:2}, which does not ship"
+done
+[[ $zip == *-"$(strings -el WriteMetadataFile.dll | grep -A1 -x FileVersion | tail -n 1)"-win64.zip ]] ||
+    fail "the library's version is another than the package's"
+
+build mingw-release dsphost wav flac
+start_wine wine
+recording=/usr/share/sounds/alsa/Front_Center.wav
+mkdir music
+flac --silent --output-name music/song.flac --tag TITLE=Packed -- "$recording"
+
+# convert SETTINGS: with the plug-in of the package.
+convert() {
+    run_wine "$root/build/mingw-release/tools/dsphost.exe" --plugin WriteMetadataFile.dll --settings "$1" \
+        "$(windows_path "$recording")" 'music\song.flac' </dev/null
+}
+convert ''
+xmllint --noout --schema docs/AudioMetadata.xsd music/song.xml
+convert "-xsltfile=\"$(windows_path "$user/XSLT/Html.xslt")\" -ext=\".html\""
+grep -q '>Packed<.*</html>' <(tr -d '\r\n' <music/song.html) || fail "the page lacks the title"
+
+printf '\n%s\n%s bytes, SHA-256 %s, the same from both builds\n' "$zip" "$(stat -c %s "$zip")" \
+    "$(sha256sum <"$zip" | cut -d ' ' -f 1)"

@@ -1,0 +1,76 @@
+// A decoder library that reads no file: whatever it opens has thirty tags and fifteen properties.
+#include "bench/Blobs.h"
+#include "decoders/DecoderRecords.h"
+
+#include <windows.h>
+
+#include <cwchar>
+#include <iterator>
+
+namespace {
+
+int* calls = nullptr; // of the benchmark, null in other programs
+
+void CountCall() noexcept {
+    if (calls != nullptr) {
+        ++*calls;
+    }
+}
+
+struct Decoder {
+    Blob list;
+};
+
+} // namespace
+
+extern "C" {
+
+void* BenchCreate(void* /*context*/) {
+    CountCall();
+    return new Decoder;
+}
+
+void BenchDestroy(void* instance) {
+    CountCall();
+    delete static_cast<Decoder*>(instance);
+}
+
+int32_t BenchGet(void* /*instance*/, const wchar_t* /*key*/, DecoderGetRecord* record) {
+    CountCall();
+    static constexpr const wchar_t* kDecodes[] = {L".one", L".two", L".bench"};
+    if (record->index >= std::size(kDecodes)) {
+        return 0;
+    }
+    record->text = kDecodes[record->index];
+    return 1;
+}
+
+int32_t BenchOpen(void* instance, DecoderOpenRecord* record) {
+    CountCall();
+    Blob& list = static_cast<Decoder*>(instance)->list;
+    if (record->openFlags == kOpenAudioInfo) {
+        record->audioInfo.format = {1, 2, 44100, 176400, 4, 16, 0, 0, 0, {}};
+        record->audioInfo.bitrate = 705;
+        record->audioInfo.length = 123456;
+        record->audioInfo.fileSize = 1234567;
+        return 1;
+    }
+    list = PackTags(record->openFlags == kOpenIDTags ? 30 : 15, 20);
+    record->IDTagData = list.data();
+    record->IDTagByteSize = static_cast<int32_t>(list.size());
+    record->propertyData = list.data();
+    record->propertyByteSize = static_cast<int32_t>(list.size());
+    return 1;
+}
+
+/// Stands for the exports that are never called, and is what an empty function costs.
+int32_t BenchNothing(void* /*instance*/, void* /*audio*/, uint32_t /*size*/) {
+    return 1;
+}
+
+BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD /*reason*/, LPVOID /*reserved*/) {
+    calls = reinterpret_cast<int*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(nullptr), "decoderCalls")));
+    return TRUE;
+}
+}

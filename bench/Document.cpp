@@ -35,4 +35,5 @@ Document::Document(Blob&& packedTags, const std::string& written) : tags(std::mo
     tail = written.substr(written.rfind("\t\t</IDTags>\r\n"));
     headElements = Parse(head);
     tailElements = Parse(tail);
+    room = std::make_unique<char[]>(2 * written.size());
 }

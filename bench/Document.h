@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,7 @@ struct Document {
     std::string tail; ///< and after them
     std::vector<FrameElement> headElements;
     std::vector<FrameElement> tailElements;
+    std::unique_ptr<char[]> room; ///< for the whole document, kept from one writing to the next
 
     /// Takes head and tail from what the plug-in wrote for these tags; ASCII without entities.
     Document(Blob&& packedTags, const std::string& written);
@@ -71,7 +73,8 @@ void Build(Sink& sink, const Document& document) {
 // Ways to write a document, each with one WriteFile. The last three keep to what the document says, but put
 // no line ends or tabs between the elements.
 
-/// The limit: one pass over the packed list, from its bytes to UTF-8. Head and tail are copied.
+/// The limit: one pass over the packed list, from its bytes to UTF-8, in memory that is there already. Head
+/// and tail are copied.
 void WriteInSinglePass(HANDLE file, const Document& document);
 
 /// A tree of UTF-8 texts, printed.

@@ -28,7 +28,7 @@ Rounds::Rounds(const std::vector<Job>& jobs, double seconds) : m_times(jobs.size
     for (const Job& job : jobs) {
         job();
     }
-    constexpr size_t kFewestRounds = 7;
+    constexpr size_t kFewestRounds = 5;
     std::vector<size_t> order(jobs.size());
     std::iota(order.begin(), order.end(), size_t{0});
     std::mt19937 random; // the same orders in every run

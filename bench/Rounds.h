@@ -17,7 +17,7 @@ class Rounds {
 public:
     using Job = std::function<void()>;
 
-    /// Runs the jobs once untimed, then round by round until `seconds` are over, seven times at least.
+    /// Runs the jobs once untimed, then round by round until `seconds` are over, five of them at least.
     Rounds(const std::vector<Job>& jobs, double seconds);
 
     /// The first job's time divided by that of job `yardstick`.

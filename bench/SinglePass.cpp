@@ -1,9 +1,7 @@
 #include "bench/Document.h"
 
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string_view>
 
 namespace {
@@ -11,7 +9,12 @@ namespace {
 // What the units below 128 mean in a value; the others take two bytes and more.
 enum : uint8_t { kPlain, kZero, kSeparator, kFirstEntity };
 constexpr std::wstring_view kSpecial = L"&\"'<>";
-constexpr std::string_view kEntities[] = {"&amp;", "&quot;", "&apos;", "&lt;", "&gt;"};
+
+struct Entity {
+    char bytes[8]; // always copied whole
+    size_t size;
+};
+constexpr Entity kEntities[] = {{"&amp;", 5}, {"&quot;", 6}, {"&apos;", 6}, {"&lt;", 4}, {"&gt;", 4}};
 
 constexpr std::array<uint8_t, 128> kMeanings = [] {
     std::array<uint8_t, 128> meanings = {};
@@ -30,8 +33,6 @@ constexpr std::array<bool, 128> kLeftOutOfNames = [] {
     }
     return leftOut;
 }();
-
-constexpr size_t kMostBytesPerUnit = 6; // &quot;
 
 /// Passes over plain units, copying them.
 const wchar_t* CopyPlain(const wchar_t* units, const wchar_t* end, char*& out) {
@@ -84,7 +85,9 @@ const wchar_t* PutValue(const wchar_t* units, const wchar_t* end, char*& out) {
         if (*units >= 128) {
             units = PutWide(units, end, out);
         } else if (const uint8_t meaning = kMeanings[*units]; meaning >= kFirstEntity) {
-            Put(kEntities[meaning - kFirstEntity], out);
+            const Entity& entity = kEntities[meaning - kFirstEntity];
+            std::memcpy(out, entity.bytes, sizeof entity.bytes);
+            out += entity.size;
             ++units;
         } else {
             break;
@@ -107,92 +110,55 @@ const wchar_t* PutElement(const wchar_t* units, const wchar_t* end, char*& out) 
     return units;
 }
 
-/// The document in the making. There is always room for what is written next.
-class Pass {
-public:
-    explicit Pass(const Document& document) {
-        // Pages that stay empty cost nothing.
-        MakeRoom(6 * document.tags.size() + document.head.size() + document.tail.size());
-        Put(document.head, m_out);
-        const uint8_t* at = document.tags.data() + sizeof(int32_t);
-        for (const uint8_t* const end = document.tags.data() + document.tags.size(); at < end;) {
-            const uint32_t size = *reinterpret_cast<const uint32_t*>(at);
-            PutEntry(reinterpret_cast<const wchar_t*>(at + sizeof size),
-                     reinterpret_cast<const wchar_t*>(at + size));
-            at += size;
-        }
-        MakeRoom(document.tail.size());
-        Put(document.tail, m_out);
+/// CR has no special meaning in a name.
+void PutName(const wchar_t* units, const wchar_t* end, char*& out) {
+    while ((units = PutValue(units, end, out)) < end) {
+        *out++ = static_cast<char>(*units++);
     }
-    ~Pass() { std::free(m_begin); }
-    Pass(const Pass&) = delete;
-    Pass& operator=(const Pass&) = delete;
+}
 
-    std::string_view Bytes() const { return {m_begin, static_cast<size_t>(m_out - m_begin)}; }
+void PutEntry(const wchar_t* name, const wchar_t* end, char*& out) {
+    char* const line = out;
+    constexpr std::string_view kOpen = "\t\t\t<";
+    Put(kOpen, out);
+    const wchar_t* units = PutElement(name, end, out);
+    const std::string_view element(line + kOpen.size(), static_cast<size_t>(out - line) - kOpen.size());
+    Put(" name=\"", out);
+    PutName(name, units, out);
+    Put("\">", out);
+    const std::string_view opening(line, static_cast<size_t>(out - line));
+    units += units < end;
 
-private:
-    void MakeRoom(size_t size) {
-        if (static_cast<size_t>(m_end - m_out) < size) {
-            const auto used = static_cast<size_t>(m_out - m_begin);
-            const size_t capacity = 2 * used + size;
-            auto* const grown = static_cast<char*>(std::realloc(m_begin, capacity));
-            if (grown == nullptr) {
-                throw std::bad_alloc();
-            }
-            m_begin = grown;
-            m_out = grown + used;
-            m_end = grown + capacity;
+    const bool isEmpty = units == end || *units == 0;
+    for (;; ++units) {
+        units = PutValue(units, end, out);
+        Put("</", out);
+        Put(element, out);
+        Put(">\r\n", out);
+        if (units == end || *units == 0) {
+            break;
         }
+        Put(opening, out);
     }
-
-    void PutEntry(const wchar_t* name, const wchar_t* end) {
-        constexpr size_t kFrame = 64;
-        const auto before = static_cast<size_t>(m_out - m_begin);
-        MakeRoom(static_cast<size_t>(end - name) * 2 * kMostBytesPerUnit + kFrame);
-        Put("\t\t\t<", m_out);
-        const char* const element = m_out;
-        const wchar_t* units = PutElement(name, end, m_out);
-        const auto elementSize = static_cast<size_t>(m_out - element);
-        Put(" name=\"", m_out);
-        PutName(name, units);
-        Put("\">", m_out);
-        const auto openSize = static_cast<size_t>(m_out - m_begin) - before;
-        units += units < end;
-
-        const wchar_t* const value = units;
-        for (;; ++units) {
-            units = PutValue(units, end, m_out);
-            Put("</", m_out);
-            Put({m_begin + before + 4, elementSize}, m_out);
-            Put(">\r\n", m_out);
-            if (units == end || *units == 0) {
-                break;
-            }
-            MakeRoom(openSize + elementSize + kFrame + static_cast<size_t>(end - units) * kMostBytesPerUnit);
-            Put({m_begin + before, openSize}, m_out);
-        }
-        units += units < end;
-        if (units < end || *value == 0) {
-            m_out = m_begin + before; // binary content, or no value at all
-        }
+    units += units < end;
+    if (isEmpty || units < end) {
+        out = line; // no value at all, or binary content
     }
-
-    /// CR has no special meaning in a name.
-    void PutName(const wchar_t* name, const wchar_t* end) {
-        while ((name = PutValue(name, end, m_out)) < end) {
-            *m_out++ = static_cast<char>(*name++);
-        }
-    }
-
-    char* m_begin = nullptr;
-    char* m_out = nullptr;
-    char* m_end = nullptr;
-};
+}
 
 } // namespace
 
 void WriteInSinglePass(HANDLE file, const Document& document) {
-    const Pass pass(document);
+    char* out = document.room.get();
+    Put(document.head, out);
+    const uint8_t* at = document.tags.data() + sizeof(int32_t);
+    for (const uint8_t* const end = document.tags.data() + document.tags.size(); at < end;) {
+        const uint32_t size = *reinterpret_cast<const uint32_t*>(at);
+        PutEntry(reinterpret_cast<const wchar_t*>(at + sizeof size),
+                 reinterpret_cast<const wchar_t*>(at + size), out);
+        at += size;
+    }
+    Put(document.tail, out);
     DWORD written = 0;
-    WriteFile(file, pass.Bytes().data(), static_cast<DWORD>(pass.Bytes().size()), &written, nullptr);
+    WriteFile(file, document.room.get(), static_cast<DWORD>(out - document.room.get()), &written, nullptr);
 }

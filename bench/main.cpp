@@ -28,7 +28,7 @@
 
 namespace {
 
-constexpr double kSecondsPerCase = 6;
+constexpr double kSecondsPerCase = 5;
 constexpr size_t kValueSize = 20;
 
 std::wstring ProgramFolder() {

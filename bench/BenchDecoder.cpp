@@ -55,7 +55,7 @@ int32_t BenchOpen(void* instance, DecoderOpenRecord* record) {
         record->audioInfo.fileSize = 1234567;
         return 1;
     }
-    list = PackTags(record->openFlags == kOpenIDTags ? 30 : 15, 20);
+    list = PackTags(record->openFlags == kOpenIDTags ? 30 : 15);
     record->IDTagData = list.data();
     record->IDTagByteSize = static_cast<int32_t>(list.size());
     record->propertyData = list.data();

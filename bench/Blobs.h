@@ -17,7 +17,7 @@ enum class Text {
 
 /// A packed tag list (decoders/DecoderRecords.h) of entries "Tag 0", "Tag 1", … whose values have `valueSize`
 /// characters, each beginning at another place of the text.
-Blob PackTags(int32_t count, size_t valueSize, Text text = Text::Ordinary);
+Blob PackTags(int32_t count, size_t valueSize = 20, Text text = Text::Ordinary);
 
 /// A packed tag list of one entry with `dataSize` bytes of binary content.
 Blob PackPicture(size_t dataSize);

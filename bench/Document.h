@@ -83,7 +83,7 @@ void WriteWithRapidXml(HANDLE file, const Document& document);
 /// IXmlWriter with a stream in memory.
 void WriteWithXmlLite(HANDLE file, const Document& document);
 
-/// A DOM and its text, turned into UTF-8. Needs COM.
+/// A DOM, saved to a stream in memory. Needs COM.
 void WriteWithMsxml(HANDLE file, const Document& document);
 
 /// Whether two documents have the same elements, attributes and texts in the same order.

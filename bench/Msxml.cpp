@@ -1,9 +1,8 @@
 #include "bench/Document.h"
+#include "bench/WriteStream.h"
 #include "metadata/Com.h"
 
 #include <msxml2.h>
-
-#include <memory>
 
 namespace {
 
@@ -40,15 +39,13 @@ public:
     }
 
     void Write(HANDLE file) const {
-        Bstr text;
-        m_tree->get_xml(text.Receive());
-        const int units = static_cast<int>(SysStringLen(text.Get()));
-        const int most = 3 * units;
-        const auto bytes = std::make_unique_for_overwrite<char[]>(static_cast<size_t>(most));
-        const int size =
-            WideCharToMultiByte(CP_UTF8, 0, text.Get(), units, bytes.get(), most, nullptr, nullptr);
-        DWORD written = 0;
-        WriteFile(file, bytes.get(), static_cast<DWORD>(size), &written, nullptr);
+        ComPtr<IStream> stream;
+        CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive());
+        VARIANT variant = {};
+        variant.vt = VT_UNKNOWN;
+        variant.punkVal = stream.Get();
+        m_tree->save(variant);
+        WriteStream(file, stream.Get());
     }
 
 private:

@@ -53,3 +53,7 @@ Ratio Rounds::To(size_t yardstick) const {
 double Rounds::Milliseconds(size_t job) const {
     return Quantile(m_times[job], 0.5);
 }
+
+double Rounds::Fastest(size_t job) const {
+    return *std::min_element(m_times[job].begin(), m_times[job].end());
+}

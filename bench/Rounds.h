@@ -26,6 +26,9 @@ public:
     /// Median time of one job in milliseconds.
     double Milliseconds(size_t job) const;
 
+    /// The shortest of its times in milliseconds, for comparisons with other rounds.
+    double Fastest(size_t job) const;
+
 private:
     std::vector<std::vector<double>> m_times; // per job, one per round
 };

@@ -1,4 +1,5 @@
 #include "bench/Document.h"
+#include "bench/WriteStream.h"
 #include "metadata/Com.h"
 #include "support/Owner.h"
 
@@ -54,11 +55,5 @@ void WriteWithXmlLite(HANDLE file, const Document& document) {
         Sink sink(stream.Get());
         Build(sink, document);
     }
-    ULARGE_INTEGER size = {};
-    stream->Seek({}, STREAM_SEEK_CUR, &size);
-    HGLOBAL block = nullptr;
-    GetHGlobalFromStream(stream.Get(), &block);
-    DWORD written = 0;
-    WriteFile(file, GlobalLock(block), size.LowPart, &written, nullptr);
-    GlobalUnlock(block);
+    WriteStream(file, stream.Get());
 }

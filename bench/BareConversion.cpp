@@ -54,9 +54,9 @@ OwnedKey OpenCache(REGSAM access) {
 
 void ReadCache(const wchar_t* extension) {
     const OwnedKey key = OpenCache(KEY_QUERY_VALUE);
-    wchar_t path[1000];
     DWORD size = 0;
     if (RegQueryValueExW(key.Get(), extension, nullptr, nullptr, nullptr, &size) == ERROR_SUCCESS) {
+        wchar_t path[1000];
         size = sizeof path;
         RegQueryValueExW(key.Get(), extension, nullptr, nullptr, reinterpret_cast<BYTE*>(path), &size);
     }

@@ -17,22 +17,18 @@ void CountCall() noexcept {
     }
 }
 
-struct Decoder {
-    Blob list;
-};
-
 } // namespace
 
 extern "C" {
 
 void* BenchCreate(void* /*context*/) {
     CountCall();
-    return new Decoder;
+    return new Blob; // what the instance hands out
 }
 
 void BenchDestroy(void* instance) {
     CountCall();
-    delete static_cast<Decoder*>(instance);
+    delete static_cast<Blob*>(instance);
 }
 
 int32_t BenchGet(void* /*instance*/, const wchar_t* /*key*/, DecoderGetRecord* record) {
@@ -47,7 +43,7 @@ int32_t BenchGet(void* /*instance*/, const wchar_t* /*key*/, DecoderGetRecord* r
 
 int32_t BenchOpen(void* instance, DecoderOpenRecord* record) {
     CountCall();
-    Blob& list = static_cast<Decoder*>(instance)->list;
+    Blob& list = *static_cast<Blob*>(instance);
     if (record->openFlags == kOpenAudioInfo) {
         record->audioInfo.format = {1, 2, 44100, 176400, 4, 16, 0, 0, 0, {}};
         record->audioInfo.bitrate = 705;

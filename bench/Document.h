@@ -86,5 +86,6 @@ void WriteWithXmlLite(HANDLE file, const Document& document);
 /// A DOM, saved to a stream in memory. Needs COM.
 void WriteWithMsxml(HANDLE file, const Document& document);
 
-/// Whether two documents have the same elements, attributes and texts in the same order.
-bool SaysTheSame(std::string first, std::string second);
+/// Whether two documents have the same elements, attributes and texts in the same order. Both are parsed in
+/// place.
+bool SaysTheSame(std::string&& first, std::string&& second);

@@ -76,9 +76,11 @@ double MeasureDocument(const PluginInstance& instance, Report& report, const cha
     for (const Way& way : kWays) {
         jobs.push_back(JobOf(scene.Bare(way.file), [&](HANDLE file) { way.write(file, document); }));
         jobs.back()();
-        const std::string ours = ReadBytes(scene.Output());
-        const std::string theirs = ReadBytes(scene.Bare(way.file).output);
-        Require(way.write == WriteInSinglePass ? ours == theirs : SaysTheSame(ours, theirs), way.name);
+        std::string ours = ReadBytes(scene.Output());
+        std::string theirs = ReadBytes(scene.Bare(way.file).output);
+        Require(way.write == WriteInSinglePass ? ours == theirs
+                                               : SaysTheSame(std::move(ours), std::move(theirs)),
+                way.name);
     }
     jobs.push_back(JobOf(scene.Bare(L"bare"), WriteNothing));
 

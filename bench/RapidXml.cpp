@@ -45,7 +45,7 @@ private:
     /// The text in the tree's own memory.
     std::string_view Utf8(std::wstring_view text) {
         if (text.empty()) {
-            return {"", 0};
+            return "";
         }
         constexpr size_t kLongestEntity = 6;
         constexpr size_t kFrame = 16;
@@ -69,7 +69,7 @@ private:
     rapidxml::xml_document<char> m_tree;
     std::vector<Node*> m_open = {&m_tree};
     std::string m_utf8;
-    size_t m_mostBytes = 0;
+    size_t m_mostBytes = 1;
 };
 
 bool SameNodes(const Node* first, const Node* second) {
@@ -103,7 +103,7 @@ void WriteWithRapidXml(HANDLE file, const Document& document) {
     Tree(document).Write(file);
 }
 
-bool SaysTheSame(std::string first, std::string second) {
+bool SaysTheSame(std::string&& first, std::string&& second) {
     rapidxml::xml_document<char> one;
     rapidxml::xml_document<char> other;
     one.parse<rapidxml::parse_no_string_terminators | rapidxml::parse_validate_closing_tags>(first.data());

@@ -31,6 +31,7 @@ public:
 
     /// A conversion as it comes: two files, a decoder library for both, and the host's lists.
     Scene(const Blob& tags, const Blob& properties);
+    ~Scene() = default;
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 

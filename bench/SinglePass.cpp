@@ -16,7 +16,7 @@ struct Entity {
 };
 constexpr Entity kEntities[] = {{"&amp;", 5}, {"&quot;", 6}, {"&apos;", 6}, {"&lt;", 4}, {"&gt;", 4}};
 
-constexpr std::array<uint8_t, 128> kMeanings = [] {
+constexpr std::array<uint8_t, 128> Meanings() {
     std::array<uint8_t, 128> meanings = {};
     meanings[0] = kZero;
     meanings['\r'] = kSeparator;
@@ -24,15 +24,17 @@ constexpr std::array<uint8_t, 128> kMeanings = [] {
         meanings[kSpecial[i]] = static_cast<uint8_t>(kFirstEntity + i);
     }
     return meanings;
-}();
+}
+constexpr std::array<uint8_t, 128> kMeanings = Meanings();
 
-constexpr std::array<bool, 128> kLeftOutOfNames = [] {
+constexpr std::array<bool, 128> LeftOutOfNames() {
     std::array<bool, 128> leftOut = {};
-    for (const char unit : std::string_view("# &\"'<>()/\\:")) {
-        leftOut[static_cast<size_t>(unit)] = true;
+    for (const wchar_t unit : std::wstring_view(L"# &\"'<>()/\\:")) {
+        leftOut[unit] = true;
     }
     return leftOut;
-}();
+}
+constexpr std::array<bool, 128> kLeftOutOfNames = LeftOutOfNames();
 
 /// Passes over plain units, copying them.
 const wchar_t* CopyPlain(const wchar_t* units, const wchar_t* end, char*& out) {

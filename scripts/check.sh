@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/common.sh
 
-install_packages clang-format clang-tidy cppcheck
+install_packages clang-format clang-tidy cppcheck librapidxml-dev
 
 mapfile -t sources < <(git ls-files '*.cpp')
 mapfile -t headers < <(git ls-files '*.h')

@@ -1,25 +1,5 @@
 #include "metadata/XmlText.h"
 
-#include <string_view>
-
-namespace {
-
-constexpr std::array<uint8_t, 0x80> MakeAsciiClasses() noexcept {
-    std::array<uint8_t, 0x80> classes = {};
-    classes.fill(kPlainInText | kKeptInName);
-    for (const char character : std::string_view("# &\"'<>()/\\:")) {
-        classes[static_cast<unsigned char>(character)] &= static_cast<uint8_t>(~kKeptInName);
-    }
-    for (const char character : std::string_view("&\"'<>")) {
-        classes[static_cast<unsigned char>(character)] &= static_cast<uint8_t>(~kPlainInText);
-    }
-    return classes;
-}
-
-} // namespace
-
-constexpr std::array<uint8_t, 0x80> kAsciiClasses = MakeAsciiClasses();
-
 wchar_t FirstOfElementName(Utf16View name) noexcept {
     for (size_t i = 0; i < name.Size(); ++i) {
         if (!IsLeftOutOfNames(name[i])) {

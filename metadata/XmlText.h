@@ -2,28 +2,17 @@
 
 #include "support/Utf16View.h"
 
-#include <array>
-#include <cstdint>
-
 // Text tools of the document. They append to a writer (support/Utf8Writer.h, support/Utf16Writer.h) and take
 // time in proportion to the text. Pure code.
 
-/// What may be done with an ASCII unit without looking at it.
-enum AsciiClass : uint8_t {
-    kPlainInText = 1, ///< it has no entity
-    kKeptInName = 2,  ///< it stays in an element name
-};
-extern const std::array<uint8_t, 0x80> kAsciiClasses;
-
-/// Whether a unit is ASCII and of the class.
-template<AsciiClass asciiClass>
-bool Is(wchar_t unit) noexcept {
-    return unit < kAsciiClasses.size() && (kAsciiClasses[unit] & asciiClass) != 0;
+/// Calls `use` with the units that an element name loses.
+template<class Use>
+auto WithLeftOutOfNames(Use use) noexcept {
+    return use(L'#', L' ', L'&', L'"', L'\'', L'<', L'>', L'(', L')', L'/', L'\\', L':');
 }
 
-/// Whether an element name loses the unit: one of # space & " ' < > ( ) / \ :
 inline bool IsLeftOutOfNames(wchar_t unit) noexcept {
-    return unit < kAsciiClasses.size() && (kAsciiClasses[unit] & kKeptInName) == 0;
+    return WithLeftOutOfNames([unit](auto... leftOut) { return ((unit == leftOut) || ...); });
 }
 
 /// Appends the text with "&", the double quote, "'", "<" and ">" replaced by their entities. Everything else
@@ -31,7 +20,7 @@ inline bool IsLeftOutOfNames(wchar_t unit) noexcept {
 template<class Writer>
 void EscapeXmlText(Writer& out, Utf16View text) {
     for (;;) {
-        text = text.After(out.AppendWhile(Is<kPlainInText>, text));
+        text = text.After(out.AppendAsciiUntil(text, L'&', L'"', L'\'', L'<', L'>'));
         if (text.IsEmpty()) {
             return;
         }
@@ -63,7 +52,8 @@ void EscapeXmlText(Writer& out, Utf16View text) {
 template<class Writer>
 void MakeElementName(Writer& out, Utf16View name) {
     for (;;) {
-        name = name.After(out.AppendWhile(Is<kKeptInName>, name));
+        name = name.After(
+            WithLeftOutOfNames([&](auto... leftOut) { return out.AppendAsciiUntil(name, leftOut...); }));
         if (name.IsEmpty()) {
             return;
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/UnitBlock.h"
 #include "support/XString.h"
 
 #include <cstddef>
@@ -30,6 +31,9 @@ public:
     Utf16View After(size_t size) const noexcept {
         return Utf16View(m_bytes + size * sizeof(wchar_t), m_size - size);
     }
+
+    /// Eight of the units from `index` on; so many must be there.
+    UnitBlock BlockAt(size_t index) const noexcept { return UnitBlock(m_bytes + index * sizeof(wchar_t)); }
 
     /// Index of the first `unit`, or Size() when there is none.
     size_t Find(wchar_t unit) const noexcept;

@@ -17,11 +17,12 @@ public:
         }
     }
 
-    /// Appends the units of `text` until one is not `plain`, and returns how many those were.
-    template<class IsPlain>
-    size_t AppendWhile(IsPlain isPlain, Utf16View text) noexcept {
+    /// Appends the units of `text` up to the first that is not ASCII or is one of `stops`, and returns how
+    /// many those were.
+    template<class... Stops>
+    size_t AppendAsciiUntil(Utf16View text, Stops... stops) noexcept {
         size_t done = 0;
-        while (done < text.Size() && isPlain(text[done])) {
+        while (done < text.Size() && text[done] < 0x80 && ((text[done] != stops) && ...)) {
             AppendUnit(text[done++]);
         }
         return done;

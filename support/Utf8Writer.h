@@ -27,25 +27,18 @@ public:
         m_size += ascii.size();
     }
 
-    /// Appends the units of `text` until one is not `plain`, and returns how many those were. Every plain
-    /// unit must be ASCII.
-    template<class IsPlain>
-    size_t AppendWhile(IsPlain isPlain, Utf16View text) noexcept {
+    /// Appends the units of `text` up to the first that is not ASCII or is one of `stops`, and returns how
+    /// many those were.
+    template<class... Stops>
+    size_t AppendAsciiUntil(Utf16View text, Stops... stops) noexcept {
         size_t done = 0;
-        while (done < text.Size()) {
-            const size_t end = done + std::min(text.Size() - done, Room());
-            char* out = &m_piece[m_size]; // a local: what is stored through it cannot change the object
-            const size_t begin = done;
-            for (; done < end && isPlain(text[done]); ++done) {
-                *out++ = static_cast<char>(text[done]);
-            }
-            m_size += done - begin;
-            if (done < end) {
-                break;
-            }
+        for (size_t copied = 0, most = 0; done < text.Size() && copied == most; done += copied) {
             if (Room() == 0) {
                 Flush();
             }
+            most = std::min(text.Size() - done, Room());
+            copied = CopyAsciiUntil(&m_piece[m_size], text.After(done).First(most), stops...);
+            m_size += copied;
         }
         return done;
     }
@@ -91,6 +84,23 @@ private:
     static constexpr uint32_t kHighSurrogate = 0xD800;
     static constexpr uint32_t kLowSurrogate = 0xDC00;
     static constexpr uint32_t kReplacement = 0xFFFD;
+
+    /// As AppendAsciiUntil; `out` has room for all of the text.
+    template<class... Stops>
+    static size_t CopyAsciiUntil(char* out, Utf16View text, Stops... stops) noexcept {
+        size_t done = 0;
+        for (; text.Size() - done >= UnitBlock::kSize; done += UnitBlock::kSize) {
+            const UnitBlock block = text.BlockAt(done);
+            if (!block.IsAsciiWithout(stops...)) {
+                break;
+            }
+            block.StoreAsBytes(out + done);
+        }
+        for (; done < text.Size() && text[done] < 0x80 && ((text[done] != stops) && ...); ++done) {
+            out[done] = static_cast<char>(text[done]);
+        }
+        return done;
+    }
 
     size_t Room() const noexcept { return kPieceSize - m_size; }
 

@@ -182,9 +182,7 @@ TEST(Utf8Writer, LosesNothingBetweenItsPieces) {
         const std::wstring units(ahead, L'x');
         FileInMemory file;
         Utf8Writer out(file);
-        EXPECT_EQ(
-            out.AppendWhile([](wchar_t unit) { return unit == L'x'; }, Utf16View(units.data(), units.size())),
-            ahead);
+        EXPECT_EQ(out.AppendAsciiUntil(Utf16View(units.data(), units.size()), L'y'), ahead);
         out.AppendUnit(0xD83D);
         out.AppendUnit(0xDE00);
         out.Append("&amp;");

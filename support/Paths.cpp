@@ -22,6 +22,14 @@ XString GetFilePath(const XString& path) {
     return path.Mid(1, separatorPos != 0 ? separatorPos : path.Size());
 }
 
+XString FolderOfProgram(const XString& programPath) {
+    if (programPath.At(1) != L'"') {
+        return GetFilePath(programPath);
+    }
+    const size_t quotePos = programPath.Find(L'"', 2);
+    return GetFilePath(programPath.Mid(2, quotePos != 0 ? quotePos - 1 : programPath.Size()));
+}
+
 void EnsureTrailingBackslash(XString& path) {
     if (path.IsEmpty() || path.At(path.Size()) != L'\\') {
         path.Append(L"\\");

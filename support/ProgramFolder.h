@@ -7,6 +7,3 @@
 /// The folder of a module's file, with its trailing backslash: of the process's program when `module` is
 /// null. Empty when the system cannot tell (GetModuleFileNameW); a path of 1,000 units or more comes cut.
 XString ModuleFolder(HMODULE module);
-
-/// The folder part of a program path that may stand in double quotes, as in a command line.
-XString FolderOfProgram(const XString& programPath);

@@ -1,5 +1,4 @@
 #include "support/Paths.h"
-#include "support/ProgramFolder.h"
 
 #include <gtest/gtest.h>
 

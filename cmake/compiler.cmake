@@ -3,6 +3,10 @@ if(MSVC)
     target_compile_options(project_options INTERFACE /W4 /WX /utf-8 /permissive- /EHsc)
     set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
     return()
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(project_options INTERFACE
+        -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Werror)
+    return()
 endif()
 
 target_compile_options(project_options INTERFACE

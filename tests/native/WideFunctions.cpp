@@ -1,0 +1,63 @@
+// The C library's wide functions that the headers of the C++ library and GoogleTest call, for wide characters
+// of 16 bits.
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <cwchar>
+#include <string>
+
+static_assert(sizeof(wchar_t) == 2);
+
+extern "C" {
+
+size_t wcslen(const wchar_t* text) noexcept {
+    const wchar_t* end = text;
+    while (*end != 0) {
+        ++end;
+    }
+    return static_cast<size_t>(end - text);
+}
+
+int wcscmp(const wchar_t* a, const wchar_t* b) noexcept {
+    while (*a != 0 && *a == *b) {
+        ++a;
+        ++b;
+    }
+    return *a - *b;
+}
+
+int wmemcmp(const wchar_t* a, const wchar_t* b, size_t count) noexcept {
+    const auto [left, right] = std::mismatch(a, a + count, b);
+    return left == a + count ? 0 : *left - *right;
+}
+
+wchar_t* wmemcpy(wchar_t* out, const wchar_t* units, size_t count) noexcept {
+    std::copy_n(units, count, out);
+    return out;
+}
+
+wchar_t* wmemmove(wchar_t* out, const wchar_t* units, size_t count) noexcept {
+    return static_cast<wchar_t*>(std::memmove(out, units, count * sizeof(wchar_t)));
+}
+
+wchar_t* wmemset(wchar_t* out, wchar_t unit, size_t count) noexcept {
+    std::fill_n(out, count, unit);
+    return out;
+}
+
+wchar_t* wmemchr(const wchar_t* units, wchar_t unit, size_t count) noexcept {
+    const wchar_t* found = std::find(units, units + count, unit);
+    return found == units + count ? nullptr : const_cast<wchar_t*>(found);
+}
+
+/// For std::to_wstring: ASCII formats and results alone.
+int vswprintf(wchar_t* out, size_t size, const wchar_t* format, va_list arguments) noexcept {
+    const std::string narrow(format, format + wcslen(format));
+    std::string text(size, '\0');
+    const int written = std::vsnprintf(text.data(), size, narrow.c_str(), arguments);
+    std::copy(text.begin(), text.end(), out);
+    return written;
+}
+}

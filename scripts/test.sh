@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds what ships and runs all tests: under Wine, with windows on a display of their own.
+# Builds what ships and runs all tests: under Wine, with windows on a display of their own, and what needs no Windows
+# natively under sanitizers, too.
 #
 #   scripts/test.sh [PRESET] [CTEST-ARGUMENT…]
 #
@@ -11,10 +12,12 @@ preset=${1:-mingw-release}
 shift || true
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
-    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc
+    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc clang libclang-rt-14-dev
+
+build linux-asan
+(cd "$root/build/linux-asan" && ctest --output-on-failure -j "$(nproc)" "$@" </dev/null)
 
 build "$preset"
-"$root/scripts/fuzz.sh"
 start_display
 start_wine wine
 

@@ -37,7 +37,8 @@ TEST(XmlText, EscapesTheFiveCharactersAndNothingElse) {
         {L"&&", L"&amp;&amp;"},
     };
     for (const auto& [text, expected] : rows) {
-        EXPECT_EQ(Written([&](auto& out) { EscapeXmlText(out, XString(text)); }), expected);
+        const XString plain(text);
+        EXPECT_EQ(Written([&](auto& out) { EscapeXmlText(out, plain); }), expected);
     }
 }
 
@@ -51,8 +52,9 @@ TEST(XmlText, ElementNamesLoseTwelveCharacters) {
                                                               {L"", L""},
                                                               {L"tab\tand\rreturn", L"tab\tand\rreturn"}};
     for (const auto& [name, expected] : rows) {
-        EXPECT_EQ(Written([&](auto& out) { MakeElementName(out, XString(name)); }), expected);
-        EXPECT_EQ(FirstOfElementName(XString(name)), expected[0]);
+        const XString whole(name);
+        EXPECT_EQ(Written([&](auto& out) { MakeElementName(out, whole); }), expected);
+        EXPECT_EQ(FirstOfElementName(whole), expected[0]);
     }
 }
 

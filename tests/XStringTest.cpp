@@ -189,6 +189,15 @@ TEST(Utf8Writer, LosesNothingBetweenItsPieces) {
         out.Flush();
         EXPECT_EQ(file.bytes, std::string(ahead, 'x') + "\xF0\x9F\x98\x80&amp;") << ahead;
     }
+    // A half that was written with an earlier piece makes no pair with one at its place in the next.
+    FileInMemory file;
+    Utf8Writer out(file);
+    out.AppendUnit(0xD83D);
+    out.Flush();
+    out.Append("xyz");
+    out.AppendUnit(0xDE00);
+    out.Flush();
+    EXPECT_EQ(file.bytes, "\xEF\xBF\xBDxyz\xEF\xBF\xBD");
 }
 
 TEST(Utf8Writer, StopsAtTheFirstWriteThatFails) {

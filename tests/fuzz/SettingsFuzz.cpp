@@ -57,13 +57,13 @@ void CheckPaths(const XString& path) {
     const std::wstring nameNoExt = Wide(GetFileNameNoExt(path));
     const bool hasFolder = whole.find(L'\\') != std::wstring::npos;
     Require(Wide(GetFilePath(path)) + (hasFolder ? name : L"") == whole, "folder and name");
+    const std::wstring ext = Wide(GetFileExt(path));
     const bool hasExt = name.find(L'.') != std::wstring::npos;
-    Require(hasExt ? nameNoExt + Wide(GetFileExt(path)) == name : nameNoExt == name, "name and extension");
-    const std::wstring inQuotes = L"\"" + whole.substr(0, whole.find(L'"')) + L"\" -x \\y";
-    const XString program(inQuotes.c_str());
-    Require(Wide(FolderOfProgram(program)) ==
-                Wide(GetFilePath(XString(whole.substr(0, whole.find(L'"')).c_str()))),
-            "folder of a program in quotes");
+    Require(hasExt ? nameNoExt + ext == name : nameNoExt == name && ext == L".", "name and extension");
+    const std::wstring unquoted = whole.substr(0, whole.find(L'"'));
+    const XString quoted((L"\"" + unquoted + L"\" -x \\y").c_str());
+    Require(Wide(FolderOfProgram(quoted)) == Wide(GetFilePath(XString(unquoted.c_str()))),
+            "folder of a program");
 }
 
 } // namespace

@@ -10,14 +10,14 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 seconds=${1:-60}
 
-install_packages clang libclang-rt-14-dev cmake ninja-build googletest python3
+install_packages clang libclang-rt-14-dev cmake ninja-build googletest
 
 build linux-asan
 cd "$root/build/linux-asan/fuzz"
 
 fuzz() {
     mkdir -p "corpus/$1"
-    if ! "./$1" -max_total_time="$2" -timeout=10 -print_final_stats=1 -artifact_prefix="$1-" "corpus/$1" "seeds/$1" \
+    if ! "./$1" -max_total_time="$2" -timeout=10 -print_final_stats=1 -artifact_prefix="$1-" "corpus/$1" "$3/$1" \
         >"$1.log" 2>&1; then
         tail -n 60 "$1.log" >&2
         return 1
@@ -25,4 +25,5 @@ fuzz() {
     echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "$1.log") inputs, no fault"
 }
 export -f fuzz
-ls seeds | xargs -P "$(nproc)" -I '{}' bash -c "fuzz {} $seconds" || fail "a fuzz target found a fault"
+inputs=$root/tests/fuzz/corpus
+ls "$inputs" | xargs -P "$(nproc)" -I '{}' bash -c "fuzz {} $seconds '$inputs'" || fail "a fuzz target found a fault"

@@ -15,19 +15,16 @@ DecoderOpenFunction Open;
 
 namespace {
 
-/// A text with its terminator; what follows it.
+/// Where a text's terminator ends.
 const uint8_t* AfterText(const uint8_t* bytes, const uint8_t* end) {
-    for (; end - bytes >= 2; bytes += 2) {
-        if (bytes[0] == 0 && bytes[1] == 0) {
-            return bytes + 2;
-        }
+    while (end - bytes >= 2 && (bytes[0] | bytes[1]) != 0) {
+        bytes += 2;
     }
-    Require(false, "a text without its end");
-    return nullptr;
+    Require(end - bytes >= 2, "a text without its end");
+    return bytes + 2;
 }
 
 void RequireWhole(const void* list, int32_t size) {
-    Require(list != nullptr && size >= 4, "no list");
     const uint8_t* bytes = static_cast<const uint8_t*>(list);
     const uint8_t* const end = bytes + size;
     int32_t count = 0;
@@ -52,20 +49,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     DecoderOpenRecord all = {};
     all.fileName = L"file";
     all.openFlags = kOpenAudioInfo | kOpenIDTags | kOpenAudioProperties;
-    const bool opened = Open(decoder, &all) != 0;
-    if (opened) {
+    if (Open(decoder, &all) != 0) {
         Require(static_cast<uint64_t>(all.audioInfo.fileSize) == size + missing, "file size");
         RequireWhole(all.IDTagData, all.IDTagByteSize);
         RequireWhole(all.propertyData, all.propertyByteSize);
-    }
-    DecoderOpenRecord tags = {};
-    tags.fileName = L"file";
-    tags.openFlags = kOpenIDTags;
-    Require((Open(decoder, &tags) != 0) == opened, "whether it opens depends on what is asked");
-    if (opened) {
-        Require(tags.IDTagByteSize == all.IDTagByteSize &&
-                    std::memcmp(tags.IDTagData, all.IDTagData, static_cast<size_t>(all.IDTagByteSize)) == 0,
-                "the same tags again");
     }
     Destroy(decoder);
     return 0;

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "metadata/WaveFormat.h"
+#include "decoders/DecoderRecords.h"
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,7 +19,7 @@ struct PlainEntry {
 using PlainList = std::vector<PlainEntry>;
 
 struct PlainFile {
-    std::wstring name, nameNoExt, ext, path, created, modified, accessed;
+    std::wstring name, nameNoExt, ext, path;
     AudioInfo info = {};
     PlainList properties, idTags;
 };
@@ -101,67 +102,77 @@ inline std::string PlainUtf8(const std::wstring& text) {
     return bytes;
 }
 
-/// The document's lines, without ends.
-inline std::vector<std::wstring> PlainDocument(const PlainFile& source, const PlainFile& converted) {
-    std::vector<std::wstring> lines = {L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>", L"<AudioMetadata>"};
-    const auto add = [&](const std::wstring& open, const std::wstring& element, const std::wstring& value) {
-        lines.push_back(open + L"<" + element + L">" + value + L"</" + element + L">");
+inline int64_t PlainByteRate(const AudioFormat& format) {
+    constexpr uint8_t kGuidTail[] = {0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
+    int tag = format.wFormatTag;
+    if (tag == 0xFFFE && format.cbSize >= 22 &&
+        std::equal(format.SubFormat + 2, std::end(format.SubFormat), kGuidTail)) {
+        tag = format.SubFormat[0] | format.SubFormat[1] << 8;
+    }
+    uint32_t rate = format.nAvgBytesPerSec;
+    if (tag == 1 || tag == 3) {
+        const int32_t bits = static_cast<int32_t>(uint32_t{format.nChannels} * format.wBitsPerSample);
+        rate = static_cast<uint16_t>(bits / 8) * format.nSamplesPerSec;
+    }
+    return rate != 0 ? static_cast<int32_t>(rate) : 1;
+}
+
+inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& converted,
+                                  const std::wstring& lineEnd) {
+    std::wstring document;
+    const auto line = [&](const std::wstring& text) { document += text + lineEnd; };
+    const auto number = [&](const std::wstring& open, const std::wstring& element, int64_t value) {
+        line(open + L"<" + element + L">" + std::to_wstring(value) + L"</" + element + L">");
     };
-    const auto addEntry = [&](const std::wstring& name, const std::wstring& value) {
+    const auto fact = [&](const std::wstring& element, const std::wstring& text) {
+        line(L"\t\t<" + element + L">" + Escaped(text) + L"</" + element + L">");
+    };
+    const auto entryLine = [&](const std::wstring& name, const std::wstring& text) {
         const std::wstring element = ElementName(name);
-        lines.push_back(L"\t\t\t<" + element + L" name=\"" + Escaped(name) + L"\">" + Escaped(value) + L"</" +
-                        element + L">");
+        line(L"\t\t\t<" + element + L" name=\"" + Escaped(name) + L"\">" + Escaped(text) + L"</" + element +
+             L">");
     };
+    line(L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+    line(L"<AudioMetadata>");
     for (const bool isSource : {true, false}) {
         const PlainFile& file = isSource ? source : converted;
-        const std::wstring section = isSource ? L"SourceFile>" : L"ConvertedFile>";
-        lines.push_back(L"\t<" + section);
-        add(L"\t\t", L"FileName", Escaped(file.name));
-        add(L"\t\t", L"FileNameNoExt", Escaped(file.nameNoExt));
-        add(L"\t\t", L"FileNameExt", Escaped(file.ext));
-        add(L"\t\t", L"FileNamePath", Escaped(file.path));
-        add(L"\t\t", L"FileSize", std::to_wstring(int64_t{file.info.fileSize}));
-        add(L"\t\t", L"FileLength", std::to_wstring(int64_t{file.info.length}));
-        add(L"\t\t", L"FileBitrate", std::to_wstring(int32_t{file.info.bitrate}));
-        add(L"\t\t", L"FileCreated", file.created);
-        add(L"\t\t", L"FileModified", file.modified);
-        add(L"\t\t", L"FileAccessed", file.accessed);
-        lines.push_back(L"\t\t<AudioProperties>");
+        const AudioFormat& format = file.info.format;
+        line(isSource ? L"\t<SourceFile>" : L"\t<ConvertedFile>");
+        fact(L"FileName", file.name);
+        fact(L"FileNameNoExt", file.nameNoExt);
+        fact(L"FileNameExt", file.ext);
+        fact(L"FileNamePath", file.path);
+        number(L"\t\t", L"FileSize", file.info.fileSize);
+        number(L"\t\t", L"FileLength", file.info.length);
+        number(L"\t\t", L"FileBitrate", file.info.bitrate);
+        fact(L"FileCreated", L""); // no file is there to have times
+        fact(L"FileModified", L"");
+        fact(L"FileAccessed", L"");
+        line(L"\t\t<AudioProperties>");
         for (const PlainEntry& entry : file.properties) {
             const std::wstring element = ElementName(entry.name);
-            if (!entry.hasRawData && element.substr(0, 1) != L"_" &&
-                (!element.empty() || !isSource)) {
-                addEntry(entry.name, entry.value);
+            if (!entry.hasRawData && element.substr(0, 1) != L"_" && (!element.empty() || !isSource)) {
+                entryLine(entry.name, entry.value);
             }
         }
-        lines.push_back(L"\t\t</AudioProperties>");
-        lines.push_back(L"\t\t<AudioFormat>");
-        const WaveFormat format(file.info.format);
-        add(L"\t\t\t", L"Channels", std::to_wstring(format.Channels()));
-        add(L"\t\t\t", L"SamplesPerSec", std::to_wstring(format.SamplesPerSec()));
-        add(L"\t\t\t", L"BitsPerSample", std::to_wstring(format.BitsPerSample()));
-        add(L"\t\t\t", L"AvgBytesPerSec", std::to_wstring(format.AvgBytesPerSec()));
-        lines.push_back(L"\t\t</AudioFormat>");
-        lines.push_back(L"\t\t<IDTags>");
+        line(L"\t\t</AudioProperties>");
+        line(L"\t\t<AudioFormat>");
+        number(L"\t\t\t", L"Channels", format.nChannels);
+        number(L"\t\t\t", L"SamplesPerSec", static_cast<int32_t>(format.nSamplesPerSec));
+        number(L"\t\t\t", L"BitsPerSample", format.wBitsPerSample);
+        number(L"\t\t\t", L"AvgBytesPerSec", PlainByteRate(format));
+        line(L"\t\t</AudioFormat>");
+        line(L"\t\t<IDTags>");
         for (const PlainEntry& entry : file.idTags) {
             for (size_t at = 0; !entry.hasRawData && !entry.value.empty() && at <= entry.value.size();) {
                 const size_t end = std::min(entry.value.find(L'\r', at), entry.value.size());
-                addEntry(entry.name, entry.value.substr(at, end - at));
+                entryLine(entry.name, entry.value.substr(at, end - at));
                 at = end + 1;
             }
         }
-        lines.push_back(L"\t\t</IDTags>");
-        lines.push_back(L"\t</" + section);
+        line(L"\t\t</IDTags>");
+        line(isSource ? L"\t</SourceFile>" : L"\t</ConvertedFile>");
     }
-    lines.push_back(L"</AudioMetadata>");
-    return lines;
-}
-
-/// The document as it lies in its file.
-inline std::string PlainDocumentFile(const PlainFile& source, const PlainFile& converted) {
-    std::string bytes;
-    for (const std::wstring& line : PlainDocument(source, converted)) {
-        bytes += PlainUtf8(line) + "\r\n";
-    }
-    return bytes;
+    line(L"</AudioMetadata>");
+    return document;
 }

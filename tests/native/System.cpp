@@ -2,14 +2,9 @@
 
 #include <windows.h>
 
-#include <sys/mman.h>
-
 #include <algorithm>
-#include <map>
 
 namespace {
-
-std::map<void*, size_t> sizeOfPages;
 
 const uint8_t* fileBytes = nullptr;
 size_t fileSize = 0;
@@ -17,23 +12,6 @@ size_t toldFileSize = 0;
 size_t filePosition = 0;
 
 } // namespace
-
-void* VirtualAlloc(void* /*address*/, size_t size, DWORD /*type*/, DWORD /*protection*/) {
-    void* const pages = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    sizeOfPages[pages] = size;
-    return pages;
-}
-
-BOOL VirtualProtect(void* address, size_t size, DWORD protection, DWORD* /*old*/) {
-    const int allowed = protection == PAGE_NOACCESS   ? PROT_NONE
-                        : protection == PAGE_READONLY ? PROT_READ
-                                                      : PROT_READ | PROT_WRITE;
-    return mprotect(address, size, allowed) == 0;
-}
-
-BOOL VirtualFree(void* address, size_t /*size*/, DWORD /*type*/) {
-    return munmap(address, sizeOfPages.extract(address).mapped()) == 0;
-}
 
 void SetTheFile(const uint8_t* bytes, size_t size, size_t toldSize) {
     fileBytes = bytes;

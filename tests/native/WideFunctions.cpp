@@ -13,11 +13,11 @@ static_assert(sizeof(wchar_t) == 2);
 extern "C" {
 
 size_t wcslen(const wchar_t* text) noexcept {
-    const wchar_t* end = text;
-    while (*end != 0) {
-        ++end;
+    size_t size = 0;
+    while (text[size] != 0) {
+        ++size;
     }
-    return static_cast<size_t>(end - text);
+    return size;
 }
 
 int wcscmp(const wchar_t* a, const wchar_t* b) noexcept {
@@ -33,13 +33,12 @@ int wmemcmp(const wchar_t* a, const wchar_t* b, size_t count) noexcept {
     return left == a + count ? 0 : *left - *right;
 }
 
-wchar_t* wmemcpy(wchar_t* out, const wchar_t* units, size_t count) noexcept {
-    std::copy_n(units, count, out);
-    return out;
-}
-
 wchar_t* wmemmove(wchar_t* out, const wchar_t* units, size_t count) noexcept {
     return static_cast<wchar_t*>(std::memmove(out, units, count * sizeof(wchar_t)));
+}
+
+wchar_t* wmemcpy(wchar_t* out, const wchar_t* units, size_t count) noexcept {
+    return wmemmove(out, units, count);
 }
 
 wchar_t* wmemset(wchar_t* out, wchar_t unit, size_t count) noexcept {

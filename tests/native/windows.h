@@ -20,15 +20,6 @@ struct LARGE_INTEGER {
 
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(intptr_t{-1});
 
-// Pages of memory, by mmap.
-
-constexpr DWORD MEM_COMMIT = 0x1000, MEM_RESERVE = 0x2000, MEM_RELEASE = 0x8000;
-constexpr DWORD PAGE_NOACCESS = 1, PAGE_READONLY = 2, PAGE_READWRITE = 4;
-
-void* VirtualAlloc(void* address, size_t size, DWORD type, DWORD protection);
-BOOL VirtualProtect(void* address, size_t size, DWORD protection, DWORD* old);
-BOOL VirtualFree(void* address, size_t size, DWORD type);
-
 // One file, whatever the path, whose content is in memory (TheFile.h).
 
 constexpr DWORD GENERIC_READ = 0x80000000, OPEN_EXISTING = 3, FILE_ATTRIBUTE_NORMAL = 0x80, FILE_BEGIN = 0;

@@ -1,11 +1,8 @@
-#include "metadata/Document.h"
 #include "metadata/TagList.h"
 #include "metadata/WaveFormat.h"
 #include "metadata/XmlText.h"
 #include "support/Utf16Writer.h"
-#include "support/Utf8Writer.h"
 
-#include "tests/FileInMemory.h"
 #include "tests/TagBlob.h"
 #include "tests/Wide.h"
 
@@ -190,75 +187,6 @@ TEST(WaveFormat, WorksOutBlockSizeAndByteRateOfPcmAndFloat) {
     }
     const WaveFormat signedRate(plain(1, 2, 16, 0x80000000));
     EXPECT_EQ(signedRate.SamplesPerSec(), INT32_MIN);
-}
-
-/// The document of a source and a converted file with the same facts, line by line.
-std::vector<std::string> Lines(const FileFacts& facts) {
-    FileInMemory file;
-    Utf8Writer out(file);
-    Document(out).Write(facts, facts);
-    out.Flush();
-    std::vector<std::string> lines;
-    for (size_t at = 0, end = 0; (end = file.bytes.find("\r\n", at)) != std::string::npos; at = end + 2) {
-        lines.push_back(file.bytes.substr(at, end - at));
-    }
-    return lines;
-}
-
-TEST(Document, EachListHasItsOwnRuleForOddNames) {
-    // Lines written for one entry in each of the four lists, from the same name and value.
-    const struct {
-        const wchar_t *name, *value;
-        uint32_t rawSize;
-        std::vector<const char*> sourceProperty, convertedProperty, tag;
-    } rows[] = {
-        {L"Sample Rate", L"<1>", 0, {"<SampleRate name=\"Sample Rate\">&lt;1&gt;</SampleRate>"}, {}, {}},
-        {L"a\"b", L"", 0, {"<ab name=\"a&quot;b\"></ab>"}, {"<ab name=\"a&quot;b\"></ab>"}, {""}},
-        {L"( )", L"x", 0, {""}, {"< name=\"( )\">x</>"}, {"< name=\"( )\">x</>"}},
-        {L"_hidden", L"x", 0, {""}, {""}, {"<_hidden name=\"_hidden\">x</_hidden>"}},
-        {L"(_)", L"x", 0, {""}, {""}, {"<_ name=\"(_)\">x</_>"}},
-        {L"Cover", L"x", 9, {""}, {""}, {""}},
-        {L"t",
-         L"a&\rb\r",
-         0,
-         {"<t name=\"t\">a&amp;\rb\r</t>"},
-         {},
-         {"<t name=\"t\">a&amp;</t>", "<t name=\"t\">b</t>", "<t name=\"t\"></t>"}},
-    };
-    for (const auto& row : rows) {
-        const std::vector<uint8_t> bytes =
-            TagBlob().Add(row.name, row.value, std::vector<uint8_t>(row.rawSize)).Bytes();
-        FileFacts facts;
-        facts.properties = ParseTagBlob(bytes.data(), static_cast<int32_t>(bytes.size()));
-        facts.idTags = facts.properties;
-        const std::vector<std::string> lines = Lines(facts);
-        const auto written = [&lines](size_t& at, const char* section) {
-            std::vector<std::string> entries;
-            while (lines[at] != std::string("\t\t<") + section + ">") {
-                ++at;
-            }
-            while (lines[++at] != std::string("\t\t</") + section + ">") {
-                entries.push_back(lines[at]);
-            }
-            return entries;
-        };
-        const auto expected = [](const std::vector<const char*>& texts,
-                                 const std::vector<const char*>& otherwise) {
-            std::vector<std::string> entries; // {} means "as otherwise", {""} means none
-            for (const char* text : texts.empty() ? otherwise : texts) {
-                if (*text != 0) {
-                    entries.push_back(std::string("\t\t\t") + text);
-                }
-            }
-            return entries;
-        };
-        size_t at = 0;
-        EXPECT_EQ(written(at, "AudioProperties"), expected(row.sourceProperty, {})) << row.name;
-        EXPECT_EQ(written(at, "IDTags"), expected(row.tag, row.sourceProperty)) << row.name;
-        EXPECT_EQ(written(at, "AudioProperties"), expected(row.convertedProperty, row.sourceProperty))
-            << row.name;
-        EXPECT_EQ(written(at, "IDTags"), expected(row.tag, row.sourceProperty)) << row.name;
-    }
 }
 
 } // namespace

@@ -2,10 +2,9 @@
 // list that it hands out must be whole.
 
 #include "decoders/DecoderRecords.h"
+#include "tests/fuzz/PlainDocument.h"
 #include "tests/fuzz/Require.h"
 #include "tests/native/TheFile.h"
-
-#include <cstring>
 
 extern "C" {
 DecoderCreateFunction Create;
@@ -15,29 +14,17 @@ DecoderOpenFunction Open;
 
 namespace {
 
-/// Where a text's terminator ends.
-const uint8_t* AfterText(const uint8_t* bytes, const uint8_t* end) {
-    while (end - bytes >= 2 && (bytes[0] | bytes[1]) != 0) {
-        bytes += 2;
-    }
-    Require(end - bytes >= 2, "a text without its end");
-    return bytes + 2;
-}
-
 void RequireWhole(const void* list, int32_t size) {
-    const uint8_t* bytes = static_cast<const uint8_t*>(list);
-    const uint8_t* const end = bytes + size;
     int32_t count = 0;
-    std::memcpy(&count, bytes, sizeof count);
-    for (bytes += sizeof count; count != 0; --count) {
-        int32_t entrySize = 0;
-        Require(end - bytes >= 8, "fewer entries than counted");
-        std::memcpy(&entrySize, bytes, sizeof entrySize);
-        Require(entrySize >= 8 && entrySize <= end - bytes, "an entry that leaves its list");
-        AfterText(AfterText(bytes + 4, bytes + entrySize), bytes + entrySize);
-        bytes += entrySize;
+    std::memcpy(&count, list, sizeof count);
+    const PlainList entries = ReadPlainly(static_cast<const uint8_t*>(list), size);
+    Require(static_cast<size_t>(count) == entries.size(), "fewer entries than counted");
+    int64_t whole = sizeof count;
+    for (const PlainEntry& entry : entries) {
+        const size_t units = entry.name.size() + 1 + entry.value.size() + 1;
+        whole += static_cast<int64_t>(sizeof(int32_t) + units * sizeof(wchar_t)) + entry.rawSize;
     }
-    Require(bytes == end, "bytes behind the last entry");
+    Require(whole == size, "a text without its end, or bytes behind the last entry");
 }
 
 } // namespace

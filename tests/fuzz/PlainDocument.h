@@ -14,7 +14,7 @@
 
 struct PlainEntry {
     std::wstring name, value;
-    bool hasRawData = false;
+    int64_t rawSize = 0; // bytes
 };
 using PlainList = std::vector<PlainEntry>;
 
@@ -59,7 +59,7 @@ inline PlainList ReadPlainly(const uint8_t* data, int64_t size) {
             break;
         }
         entry.value = readText(end);
-        entry.hasRawData = at < end;
+        entry.rawSize = end - at;
         at = end;
     }
     return list;
@@ -151,7 +151,7 @@ inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& conv
         line(L"\t\t<AudioProperties>");
         for (const PlainEntry& entry : file.properties) {
             const std::wstring element = ElementName(entry.name);
-            if (!entry.hasRawData && element.substr(0, 1) != L"_" && (!element.empty() || !isSource)) {
+            if (entry.rawSize == 0 && element.substr(0, 1) != L"_" && (!element.empty() || !isSource)) {
                 entryLine(entry.name, entry.value);
             }
         }
@@ -164,7 +164,7 @@ inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& conv
         line(L"\t\t</AudioFormat>");
         line(L"\t\t<IDTags>");
         for (const PlainEntry& entry : file.idTags) {
-            for (size_t at = 0; !entry.hasRawData && !entry.value.empty() && at <= entry.value.size();) {
+            for (size_t at = 0; entry.rawSize == 0 && !entry.value.empty() && at <= entry.value.size();) {
                 const size_t end = std::min(entry.value.find(L'\r', at), entry.value.size());
                 entryLine(entry.name, entry.value.substr(at, end - at));
                 at = end + 1;

@@ -22,6 +22,7 @@ void RequireWhole(const void* list, int32_t size) {
     int64_t whole = sizeof count;
     for (const PlainEntry& entry : entries) {
         const size_t units = entry.name.size() + 1 + entry.value.size() + 1;
+        Require(entry.rawSize == 0 || entry.name == L"Picture", "a text that goes on behind its end");
         whole += static_cast<int64_t>(sizeof(int32_t) + units * sizeof(wchar_t)) + entry.rawSize;
     }
     Require(whole == size, "a text without its end, or bytes behind the last entry");

@@ -75,10 +75,6 @@ inline std::wstring ReadUtf16(const std::wstring& path) {
     return std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / 2);
 }
 
-inline bool Exists(const std::wstring& path) {
-    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
 /// The lines of a text that ends each with CR LF.
 inline std::vector<std::wstring> Lines(const std::wstring& text) {
     std::vector<std::wstring> lines;

@@ -12,41 +12,24 @@ XString Text(const std::wstring& text) {
     return XString(text.c_str());
 }
 
-bool WriteNew(const std::wstring& path, const std::string& bytes) {
-    XFile file;
-    return file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS) && file.Write(bytes.data(), bytes.size());
-}
-
 TEST(XFile, ReplacesWritesAndFailsInSilence) {
     const TempFolder folder;
     const std::wstring path = folder.Path(L"out.txt");
     WriteTestFile(path, "something longer than what follows");
     XFile file;
-    EXPECT_FALSE(file.Write("x", 1)) << "nothing is open";
     ASSERT_TRUE(file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS));
     EXPECT_TRUE(file.Write("abc", 3) && file.Write(nullptr, 0) && file.Write("de", 2));
     EXPECT_FALSE(file.Write(nullptr, 5));
     EXPECT_EQ(ReadBytes(path), "abcde") << "readable by others while it is open";
     file.Close();
-    EXPECT_FALSE(file.IsOpen());
-    EXPECT_FALSE(file.Write("x", 1));
+    EXPECT_FALSE(file.Write("x", 1)) << "nothing is open";
 
     ASSERT_TRUE(file.Open(Text(path), GENERIC_READ, OPEN_EXISTING));
     EXPECT_FALSE(file.Write("x", 1)) << "opened for reading";
     EXPECT_FALSE(file.Open(Text(folder.Path(L"no\\such\\folder")), GENERIC_WRITE, CREATE_ALWAYS));
     EXPECT_FALSE(file.IsOpen()) << "a failed open closes what was open before";
+    ASSERT_TRUE(file.Open(Text(path), GENERIC_READ, OPEN_EXISTING));
     EXPECT_FALSE(file.Open(XString(), GENERIC_WRITE, CREATE_ALWAYS));
-}
-
-TEST(XFile, WritesPathsOfAnyLength) {
-    const TempFolder folder;
-    std::wstring path = folder.Path(std::wstring(200, L'd'));
-    ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + path).c_str(), nullptr));
-    path += L"\\" + std::wstring(150, L'f');
-    EXPECT_TRUE(WriteNew(path, "x"));
-    EXPECT_TRUE(FileExists(Text(path)));
-    EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + path).c_str()));
-    EXPECT_FALSE(FileExists(Text(path)));
 }
 
 TEST(XFile, LongPathsAreTakenLiterally) {
@@ -55,12 +38,15 @@ TEST(XFile, LongPathsAreTakenLiterally) {
     const TempFolder folder;
     const auto path = [&folder](size_t size) {
         const std::wstring begin = folder.Path(L".\\");
-        return begin + std::wstring(size - begin.size(), L'f');
+        return Text(begin + std::wstring(size - begin.size(), L'f'));
     };
-    EXPECT_TRUE(WriteNew(path(kOpenPathLimit - 1), ""));
-    EXPECT_FALSE(WriteNew(path(kOpenPathLimit), ""));
-    EXPECT_TRUE(WriteNew(path(kScanPathLimit - 1), "") && FileExists(Text(path(kScanPathLimit - 1))));
-    EXPECT_TRUE(WriteNew(path(kScanPathLimit), "") && !FileExists(Text(path(kScanPathLimit))));
+    const auto isMade = [&path](size_t size) {
+        return XFile().Open(path(size), GENERIC_WRITE, CREATE_ALWAYS);
+    };
+    EXPECT_TRUE(isMade(kOpenPathLimit - 1));
+    EXPECT_FALSE(isMade(kOpenPathLimit));
+    EXPECT_TRUE(isMade(kScanPathLimit - 1) && FileExists(path(kScanPathLimit - 1)));
+    EXPECT_TRUE(isMade(kScanPathLimit) && !FileExists(path(kScanPathLimit)));
 }
 
 TEST(FileExists, TellsFilesFoldersRootsAndWildcards) {
@@ -72,12 +58,9 @@ TEST(FileExists, TellsFilesFoldersRootsAndWildcards) {
         {L"C:", true},
         {L"C:\\", true},
         {L"Q:\\", false},
-        {folder.Path(L"song.flac"), true},
-        {folder.Path(L"SONG.FLAC"), true},
         {folder.Path(L"song.flac\\\\"), true}, // backslashes at the end do not count
         {folder.Path(L"sub"), true},
-        {folder.Path(L"sub\\"), true},
-        {folder.Path(L"*.flac"), true},
+        {folder.Path(L"*.FLAC"), true},
         {folder.Path(L"*.mp3"), false},
         {folder.Path(L"missing"), false},
     };
@@ -90,21 +73,21 @@ TEST(XFileFind, ListsFilesAndFoldersOnce) {
     const TempFolder folder;
     CreateDirectoryW(folder.Path(L"decoder").c_str(), nullptr);
     CreateDirectoryW(folder.Path(L"decoder\\folder.dll").c_str(), nullptr);
-    for (const wchar_t* name : {L"decoder\\a.dll", L"decoder\\b.DLL", L"decoder\\c.txt"}) {
+    for (const wchar_t* name : {L"decoder\\b.DLL", L"decoder\\c.txt"}) {
         WriteTestFile(folder.Path(name), "");
     }
+    XFileFind all(Text(folder.Path(L"decoder\\*")));
+    EXPECT_TRUE(all.Next() && all.Next() && all.Next());
+    EXPECT_FALSE(all.Next()) << "the folder itself and its parent are passed over";
+    EXPECT_FALSE(XFileFind(Text(folder.Path(L"none\\*"))).Next());
     std::set<std::wstring> found;
     XFileFind find = XFileFind::ForDecoders(folder.Path(L"").c_str());
     while (find.Next()) {
         found.insert(std::wstring(find.Path().Text()) + (find.IsFolder() ? L" folder" : L""));
     }
     EXPECT_FALSE(find.Next()) << "the end stays the end";
-    EXPECT_EQ(found, (std::set<std::wstring>{folder.Path(L"decoder\\a.dll"), folder.Path(L"decoder\\b.DLL"),
+    EXPECT_EQ(found, (std::set<std::wstring>{folder.Path(L"decoder\\b.DLL"),
                                              folder.Path(L"decoder\\folder.dll folder")}));
-    XFileFind all(Text(folder.Path(L"decoder\\*")));
-    EXPECT_TRUE(all.Next() && all.Next() && all.Next() && all.Next());
-    EXPECT_FALSE(all.Next()) << "the folder itself and its parent are passed over";
-    EXPECT_FALSE(XFileFind(Text(folder.Path(L"none\\*"))).Next());
 }
 
 } // namespace

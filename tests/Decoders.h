@@ -55,21 +55,12 @@ public:
 
     static constexpr const wchar_t* kCacheKey = L"Software\\Brevik\\Zentaro\\DecoderCache64";
 
-    /// The stored text, "none", or "no key".
+    /// The stored text or "none".
     static std::wstring Cached(const wchar_t* extension) {
-        HKEY opened = nullptr;
-        if (RegOpenKeyExW(HKEY_CURRENT_USER, kCacheKey, 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS) {
-            return L"no key";
-        }
-        const OwnedKey key(opened);
-        wchar_t data[1000] = {};
-        DWORD size = sizeof data;
-        if (RegQueryValueExW(opened, extension, nullptr, nullptr, reinterpret_cast<BYTE*>(data), &size) !=
-            ERROR_SUCCESS) {
-            return L"none";
-        }
-        EXPECT_EQ(size, (std::wstring(data).size() + 1) * sizeof(wchar_t)) << "the terminator is stored";
-        return data;
+        wchar_t text[1000] = L"none";
+        DWORD size = sizeof text;
+        RegGetValueW(HKEY_CURRENT_USER, kCacheKey, extension, RRF_RT_REG_SZ, nullptr, text, &size);
+        return text;
     }
 
     static void Store(const wchar_t* extension, const std::wstring& bytes, DWORD type = REG_SZ) {

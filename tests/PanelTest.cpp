@@ -70,9 +70,9 @@ TEST_F(Panel, HasItsControls) {
     EXPECT_STREQ(font.lfFaceName, L"MS Shell Dlg");
     EXPECT_EQ(font.lfWeight, 400);
 
-    constexpr DWORD kLabel = WS_CHILD | WS_VISIBLE | WS_GROUP | SS_LEFT;
-    constexpr DWORD kButton = WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON;
-    constexpr DWORD kEdit = WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_LEFT | ES_AUTOHSCROLL;
+    constexpr DWORD kLabel = WS_CHILD | WS_VISIBLE | WS_GROUP;
+    constexpr DWORD kButton = WS_CHILD | WS_VISIBLE | WS_TABSTOP;
+    constexpr DWORD kEdit = kButton | ES_AUTOHSCROLL;
     constexpr auto kPurpose = L"This DSP writes to a file containing ID tags and audio properties.\n"
                               L"The output file can be transformed to another format by using an XSLT file.";
     const struct {
@@ -92,8 +92,7 @@ TEST_F(Panel, HasItsControls) {
     const HDC dc = GetDC(panel);
     HWND control = GetWindow(panel, GW_CHILD);
     for (const auto& row : rows) {
-        ASSERT_NE(control, nullptr);
-        SCOPED_TRACE(testing::PrintToString(std::wstring(row.text)) + std::to_string(row.id));
+        SCOPED_TRACE(testing::Message() << row.className << row.id << ' ' << row.text);
         wchar_t className[20] = {};
         GetClassNameW(control, className, 20);
         EXPECT_STREQ(className, row.className);
@@ -124,14 +123,14 @@ TEST_F(Panel, ShowsItsIcon) {
     RedrawWindow(panel, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
     const HDC dc = GetDC(panel);
     const int size = 24 * GetDeviceCaps(dc, LOGPIXELSX) / 96;
-    RECT place = {284, 1, 1, 1};
-    MapDialogRect(panel, &place);
-    const int side = size + 2 * 3; // with a margin around it
-    const RECT around = {place.left - 3, place.top - 3, place.left - 3 + side, place.top - 3 + side};
-    const auto picture = [dc, side, around] {
+    const Place place = Mapped(panel, {284, 1, 1, 1});
+    const RECT around = {place[0] - 3, place[1] - 3, place[0] + size + 3, place[1] + size + 3};
+    const auto picture = [dc, around] {
         std::vector<COLORREF> pixels;
-        for (int i = 0; i < side * side; ++i) {
-            pixels.push_back(GetPixel(dc, around.left + i % side, around.top + i / side));
+        for (LONG y = around.top; y < around.bottom; ++y) {
+            for (LONG x = around.left; x < around.right; ++x) {
+                pixels.push_back(GetPixel(dc, x, y));
+            }
         }
         return pixels;
     };
@@ -140,7 +139,7 @@ TEST_F(Panel, ShowsItsIcon) {
     EXPECT_NE(shown, picture());
     const OwnedIcon icon(
         static_cast<HICON>(LoadImageW(PluginModule(), MAKEINTRESOURCEW(110), IMAGE_ICON, size, size, 0)));
-    DrawIconEx(dc, place.left, place.top, icon.Get(), size, size, 0, nullptr, DI_NORMAL);
+    DrawIconEx(dc, place[0], place[1], icon.Get(), size, size, 0, nullptr, DI_NORMAL);
     EXPECT_EQ(shown, picture());
     ReleaseDC(panel, dc);
 }
@@ -252,8 +251,7 @@ TEST_F(Panel, IsUsedWithTheKeyboard) {
         control = next;
     }
     for (const WPARAM key : {WPARAM{VK_RETURN}, WPARAM{VK_ESCAPE}}) {
-        SetFocus(GetDlgItem(panel, kExtension));
-        MSG message = {GetFocus(), WM_KEYDOWN, key, 0, 0, {}};
+        MSG message = {GetDlgItem(panel, kExtension), WM_KEYDOWN, key, 0, 0, {}};
         EXPECT_TRUE(IsDialogMessageW(panel, &message));
     }
     for (WPARAM id = IDOK; id <= IDHELP; ++id) {

@@ -25,8 +25,8 @@ TEST(DebugLog, IndentsTheTraceAndTellsErrorsAfterIt) {
     LogError(L"", log.record, nullptr);
     LogError(L"nobody reads this", alsoSilent, nullptr);
     Log(L"<-<-less", log.record, L"");
-    Log(kLeave, log.record, L"A");
     Log(L"<-< -", log.record, nullptr);
+    Log(kLeave, log.record, L"A");
     EXPECT_EQ(ReadUtf16(log.path), L"<-<-\r\n"
                                    L"->->  [A]\r\n"
                                    L"    text  [B]\r\n"
@@ -35,8 +35,8 @@ TEST(DebugLog, IndentsTheTraceAndTellsErrorsAfterIt) {
                                    L"*** Error: \r\n"
                                    L"\r\n"
                                    L"  <-<-less  []\r\n"
-                                   L"<-<-  [A]\r\n"
-                                   L"<-< -\r\n");
+                                   L"  <-< -\r\n"
+                                   L"<-<-  [A]\r\n");
 }
 
 TEST(DebugLog, ThreadsShareOneDepthAndNeverMixLines) {

@@ -104,8 +104,8 @@ void MakeWindow(XWindow& object) {
     const WNDPROC procedure = [](HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
         return XWindow::Find(hwnd)->Dispatch(hwnd, message, wParam, lParam);
     };
-    const HWND hwnd = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 10, 20, 300, 200, nullptr,
-                                      nullptr, nullptr, nullptr);
+    const HWND hwnd =
+        CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 10, 20, 300, 200, nullptr, nullptr, nullptr, nullptr);
     object.Register(hwnd, false);
     SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
 }
@@ -285,6 +285,7 @@ TEST(Button, KnowsItsClicks) {
     Recorder parent;
     MakeWindow(parent);
     SKIP_WITHOUT_DISPLAY(parent.Hwnd());
+    ShowWindow(parent.Hwnd(), SW_SHOWNOACTIVATE);
     const HWND control = CreateWindowExW(0, L"BUTTON", L"Help", WS_CHILD | WS_VISIBLE, 0, 0, 80, 30,
                                          parent.Hwnd(), nullptr, nullptr, nullptr);
     const LONG_PTR procedure = GetWindowLongPtrW(control, GWLP_WNDPROC);

@@ -255,9 +255,7 @@ TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
     RegDeleteKeyW(HKEY_CURRENT_USER, Decoders::kCacheKey);
     Convert();
     EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, Decoders::kCacheKey), ERROR_SUCCESS) << "reading creates it";
-    // Nor is a sub-folder ever a library, whatever its name; a file without extension is looked up as ".".
-    CreateDirectoryW(a.c_str(), nullptr);
-    converted = folder + L"bare";
+    converted = folder + L"bare"; // looked up as "."
     WriteTestFile(converted, "");
     decoders.Add(L"dot.dll").decodes = {L"."};
     Convert();

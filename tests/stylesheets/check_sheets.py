@@ -21,7 +21,7 @@ from collections import Counter
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
-from documents import FACTS, FORMAT, NUMBERS, entry_line, samples, written
+from documents import FACTS, FORMAT, NUMBERS, entry_line, samples, with_line_ends
 
 ROOT = Path(__file__).resolve().parents[2]
 SCHEMA = ROOT / "docs" / "AudioMetadata.xsd"
@@ -225,7 +225,7 @@ def check_schema(results, documents, work):
         xml = document.read_bytes()
         verdicts = verdict("--schema", SCHEMA, xml), verdict("--schematron", rules, xml)
         results.equal(document.name, verdicts, (0, 0))
-    speech = written(samples()["speech"]).decode()
+    speech = samples()["speech"]
     for cases, option, schema in ((REFUSED, "--schema", SCHEMA), (REFUSED_ENTRIES, "--schematron", rules)):
         for label, pattern, replacement in cases:
             xml, changes = re.subn(pattern, replacement, speech, count=1)
@@ -237,10 +237,10 @@ def check_schema(results, documents, work):
 
 def make_samples(folder):
     folder.mkdir(exist_ok=True)
-    for name, lines in samples().items():
-        (folder / f"{name}.xml").write_bytes(written(lines))
-        for ext, (sheet, _) in SHEETS.items():  # a transformation gets the document as one line
-            made = run("xsltproc", ROOT / "XSLT" / sheet, "-", stdin="".join(lines).encode())
+    for name, text in samples().items():
+        (folder / f"{name}.xml").write_bytes(with_line_ends(text, "\r\n"))
+        for ext, (sheet, _) in SHEETS.items():
+            made = run("xsltproc", ROOT / "XSLT" / sheet, "-", stdin=with_line_ends(text, ""))
             (folder / (name + ext)).write_bytes(made.stdout)
 
 

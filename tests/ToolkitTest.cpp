@@ -300,7 +300,8 @@ TEST(Button, KnowsItsClicks) {
                 {"mouse", WM_LBUTTONDOWN, WM_LBUTTONUP, 0, kInside, 1},
                 {"released outside", WM_LBUTTONDOWN, WM_LBUTTONUP, 0, MAKELPARAM(200, 5), 0},
                 {"released only", WM_NULL, WM_LBUTTONUP, 0, kInside, 0},
-                {"space", WM_KEYDOWN, WM_KEYUP, VK_SPACE, 0, 1}};
+                {"space", WM_KEYDOWN, WM_KEYUP, VK_SPACE, 0, 1},
+                {"other key", WM_LBUTTONDOWN, WM_KEYUP, VK_F5, 0, 0}};
     {
         CountingButton button;
         button.Attach(control);

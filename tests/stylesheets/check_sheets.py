@@ -103,7 +103,8 @@ def check_csv(results, label, data, content, _work):
 
 def check_text(results, label, data, content, _work):
     text = data.decode()
-    column = len(re.search("^  Folder +", text, re.M)[0])
+    names = [name for lists in content.lists.values() for entries in lists.values() for name, _ in entries]
+    column = min(40, max([18, *map(len, names)]) + 4)
     for side in content.lists:
         for name, entries in content.lists[side].items():
             want = [""]

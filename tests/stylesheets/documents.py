@@ -22,11 +22,12 @@ def with_line_ends(text, end):
 
 def samples():
     """Documents by name, their lines ended by LF."""
-    speech, nasty = (Path(__file__).with_name(name).read_text("utf-8") for name in ("speech.xml", "nasty.xml"))
+    speech = Path(__file__).with_name("speech.xml").read_text("utf-8")
+    nasty = Path(__file__).with_name("nasty.xml").read_text("utf-8")
     bare = re.sub(r"(?s)(<(AudioProperties|IDTags)>\n).*?(\t*</\2>)", r"\1\3", speech)
     lyrics = "".join(f'{i}: "so" weit = so gut; #{i} \\ \U0001d11e\n' for i in range(3000)) + "\u6b4c"
     tags = [("LYRICS", lyrics), ("QUOTES", '"' * 100000), ("BREAKS", "\n" * 20000 + "end"),
-            ("LAST", "x" * 100000 + ';"'), *(("MANY", f"value {i}") for i in range(2000)),
+            ("THE LAST LARGE VALUE", "x" * 100000 + ';"'), *(("MANY", f"value {i}") for i in range(2000)),
             *((f"Tag {i}", f"value {i}") for i in range(500))]
     head, tail = bare.rsplit("\t\t</IDTags>", 1)
     return {"speech": speech, "nasty": nasty,

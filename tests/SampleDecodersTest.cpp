@@ -45,11 +45,14 @@ constexpr auto kFlac = L"..\\..\\tools\\decoder\\flac.dll";
 /// "Name=value" for each entry, with the bytes of binary data behind it and " | " between entries.
 std::wstring Render(const void* list, int32_t size) {
     std::wstring text;
+    int32_t count = 0;
     for (const TagEntry& entry : ParseTagBlob(list, size)) {
+        ++count;
         const std::wstring raw(entry.rawData.begin(), entry.rawData.end());
         text += (text.empty() ? L"" : L" | ") + Wide(entry.name) + L'=' + Wide(entry.value);
         text += (raw.empty() ? L"" : L" #") + raw;
     }
+    EXPECT_EQ(*static_cast<const int32_t*>(list), count);
     return text;
 }
 
@@ -159,6 +162,7 @@ TEST(SampleDecoders, TellWhatTheFileHolds) {
          waveFacts},
         {kWav, "no data indeed", Wave(mono + Chunk("data", {}) + Chunk("junk", "chunk")),
          L"1 0 1 8000 16 2 16000 128 0\nEncoding=PCM | Sample Count=0"},
+        {kWav, "short format of hostile size", Wave("fmt " + Little(0xFFFFFFF0) + Zeros(12)), L"no"},
         {kWav, "other RIFF", "RIFF" + Little(28) + "AVI " + mono, L"no"},
         {kWav, "tags", Wave(mono + Chunk("LIST", "INFO" + infoTags) + data),
          waveFacts + L"\nTitle=ab | Genre=Grüß | Artist=A\rB | Comment= | IXYZ=" + ansi +
@@ -173,6 +177,7 @@ TEST(SampleDecoders, TellWhatTheFileHolds) {
              sizes},
         {kFlac, "no sample rate", "fLaC" + StreamInfo(0, 1, 8, 0),
          L"1 0 1 0 8 1 0 0 0\nEncoding=FLAC | " + sizes},
+        {kFlac, "info too short", "fLaC" + Block(0, Zeros(33)) + Zeros(100), L"no"},
         {kFlac, "info not first", "fLaC" + Block(4, Zeros(34)) + StreamInfo(8000, 1, 8, 1), L"no"},
         {kFlac, "other file", "OggS" + StreamInfo(8000, 1, 8, 1), L"no"},
         {kFlac, "the first comments alone",
@@ -180,6 +185,9 @@ TEST(SampleDecoders, TellWhatTheFileHolds) {
                         "a=b" + Zeros(1) + "c", ""}) +
               Comments({"a=2"})),
          flacFacts + L"Artist=A\rB=C\r | TITLE=Grüß | a=b"},
+        {kFlac, "comment past its block",
+         Flac(Block(4, Little(7) + "maker 1" + Little(9) + Little(3) + "a=1" + Little(0x7FFFFFFF) + "b=2")),
+         flacFacts + L"a=1"},
         {kFlac, "comment that is not counted",
          Flac(Block(4, Little(7) + "maker 1" + Little(1) + Little(3) + "a=1" + Little(3) + "b=2")),
          flacFacts + L"a=1"},

@@ -39,15 +39,15 @@ public:
     explicit Document(Writer& out) noexcept : m_out(out) {}
 
     void Write(const FileFacts& source, const FileFacts& converted) {
-        Line("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
-        Line("<AudioMetadata>");
-        Line("\t<SourceFile>");
+        m_out.AppendLine("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
+        m_out.AppendLine("<AudioMetadata>");
+        m_out.AppendLine("\t<SourceFile>");
         WriteFacts(source, NamelessProperty::LeaveOut);
-        Line("\t</SourceFile>");
-        Line("\t<ConvertedFile>");
+        m_out.AppendLine("\t</SourceFile>");
+        m_out.AppendLine("\t<ConvertedFile>");
         WriteFacts(converted, NamelessProperty::Write);
-        Line("\t</ConvertedFile>");
-        Line("</AudioMetadata>");
+        m_out.AppendLine("\t</ConvertedFile>");
+        m_out.AppendLine("</AudioMetadata>");
     }
 
 private:
@@ -69,19 +69,19 @@ private:
         Element(kFact, "FileCreated", texts.created);
         Element(kFact, "FileModified", texts.modified);
         Element(kFact, "FileAccessed", texts.accessed);
-        Line("\t\t<AudioProperties>");
+        m_out.AppendLine("\t\t<AudioProperties>");
         WriteProperties(file.properties, nameless);
-        Line("\t\t</AudioProperties>");
-        Line("\t\t<AudioFormat>");
+        m_out.AppendLine("\t\t</AudioProperties>");
+        m_out.AppendLine("\t\t<AudioFormat>");
         const WaveFormat format(file.info.format);
         Element(kFormatFact, "Channels", format.Channels());
         Element(kFormatFact, "SamplesPerSec", format.SamplesPerSec());
         Element(kFormatFact, "BitsPerSample", format.BitsPerSample());
         Element(kFormatFact, "AvgBytesPerSec", format.AvgBytesPerSec());
-        Line("\t\t</AudioFormat>");
-        Line("\t\t<IDTags>");
+        m_out.AppendLine("\t\t</AudioFormat>");
+        m_out.AppendLine("\t\t<IDTags>");
         WriteTags(file.idTags);
-        Line("\t\t</IDTags>");
+        m_out.AppendLine("\t\t</IDTags>");
     }
 
     void WriteProperties(const TagList& properties, NamelessProperty nameless) {
@@ -89,7 +89,8 @@ private:
             const wchar_t first = FirstOfElementName(entry.name);
             const bool leftOut = first == L'_' || (first == 0 && nameless == NamelessProperty::LeaveOut);
             if (entry.rawData.empty() && !leftOut) {
-                WriteEntry(entry.name, entry.value);
+                Opening opening;
+                WriteEntry(opening, entry.name, entry.value);
             }
         }
     }
@@ -97,24 +98,42 @@ private:
     void WriteTags(const TagList& tags) {
         for (const TagEntry& entry : tags) {
             if (entry.rawData.empty()) {
+                Opening opening;
                 SplitValues values(entry.value);
                 for (Utf16View value; values.Next(value);) {
-                    WriteEntry(entry.name, value);
+                    WriteEntry(opening, entry.name, value);
                 }
             }
         }
     }
 
-    void WriteEntry(Utf16View name, Utf16View value) {
-        m_out.Append("\t\t\t<");
-        MakeElementName(m_out, name);
-        m_out.Append(" name=\"");
-        EscapeXmlText(m_out, name);
-        m_out.Append("\">");
+    /// Where the text before an entry's value stands, and the element name in it.
+    struct Opening {
+        size_t begin = 0;
+        size_t nameBegin = 0;
+        size_t nameEnd = 0;
+        size_t end = 0;
+    };
+
+    /// What was written already is repeated, for it may be for one of very many values.
+    void WriteEntry(Opening& opening, Utf16View name, Utf16View value) {
+        if (!m_out.Repeat(opening.begin, opening.end)) {
+            opening.begin = m_out.Position();
+            m_out.Append("\t\t\t<");
+            opening.nameBegin = m_out.Position();
+            MakeElementName(m_out, name);
+            opening.nameEnd = m_out.Position();
+            m_out.Append(" name=\"");
+            EscapeXmlText(m_out, name);
+            m_out.Append("\">");
+            opening.end = m_out.Position();
+        }
         EscapeXmlText(m_out, value);
         m_out.Append("</");
-        MakeElementName(m_out, name);
-        Line(">");
+        if (!m_out.Repeat(opening.nameBegin, opening.nameEnd)) {
+            MakeElementName(m_out, name);
+        }
+        m_out.AppendLine(">");
     }
 
     void Element(std::string_view open, std::string_view element, Utf16View text) {
@@ -140,12 +159,7 @@ private:
     void End(std::string_view element) {
         m_out.Append("</");
         m_out.Append(element);
-        Line(">");
-    }
-
-    void Line(std::string_view text) {
-        m_out.Append(text);
-        m_out.EndLine();
+        m_out.AppendLine(">");
     }
 
     Writer& m_out;

@@ -100,7 +100,7 @@ void WriteDocument(XFile& file, const XString& path, const Facts& facts) {
 Bstr JoinDocument(const Facts& facts) {
     Utf16Writer measure(nullptr);
     Document(measure).Write(facts.source, facts.converted);
-    Bstr text(measure.Size());
+    Bstr text(measure.Position());
     Utf16Writer store(text.Get());
     Document(store).Write(facts.source, facts.converted);
     return text;

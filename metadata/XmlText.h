@@ -5,14 +5,25 @@
 // Text tools of the document. They append to a writer (support/Utf8Writer.h, support/Utf16Writer.h) and take
 // time in proportion to the text. Pure code.
 
-/// Calls `use` with the units that an element name loses.
-template<class Use>
-auto WithLeftOutOfNames(Use use) noexcept {
-    return use(L'#', L' ', L'&', L'"', L'\'', L'<', L'>', L'(', L')', L'/', L'\\', L':');
-}
-
+/// Whether an element name loses the unit: one of # space & " ' < > ( ) / \ :
 inline bool IsLeftOutOfNames(wchar_t unit) noexcept {
-    return WithLeftOutOfNames([unit](auto... leftOut) { return ((unit == leftOut) || ...); });
+    switch (unit) {
+    case L'#':
+    case L' ':
+    case L'&':
+    case L'"':
+    case L'\'':
+    case L'<':
+    case L'>':
+    case L'(':
+    case L')':
+    case L'/':
+    case L'\\':
+    case L':':
+        return true;
+    default:
+        return false;
+    }
 }
 
 /// Appends the text with "&", the double quote, "'", "<" and ">" replaced by their entities. Everything else
@@ -52,14 +63,11 @@ void EscapeXmlText(Writer& out, Utf16View text) {
 template<class Writer>
 void MakeElementName(Writer& out, Utf16View name) {
     for (;;) {
-        name = name.After(
-            WithLeftOutOfNames([&](auto... leftOut) { return out.AppendAsciiUntil(name, leftOut...); }));
+        name = name.After(out.AppendAsciiWithout([](wchar_t unit) { return IsLeftOutOfNames(unit); }, name));
         if (name.IsEmpty()) {
             return;
         }
-        if (!IsLeftOutOfNames(name[0])) {
-            out.AppendUnit(name[0]);
-        }
+        out.AppendUnit(name[0]);
         name = name.After(1);
     }
 }

@@ -14,6 +14,7 @@ public:
     Utf16View() noexcept = default;
     Utf16View(const void* units, size_t size) noexcept
         : m_bytes(static_cast<const uint8_t*>(units)), m_size(size) {}
+    // cppcheck-suppress noExplicitConstructor ; a text is read as it is
     Utf16View(const XString& text) noexcept : Utf16View(text.Text(), text.Size()) {}
 
     size_t Size() const noexcept { return m_size; }
@@ -36,7 +37,16 @@ public:
     UnitBlock BlockAt(size_t index) const noexcept { return UnitBlock(m_bytes + index * sizeof(wchar_t)); }
 
     /// Index of the first `unit`, or Size() when there is none.
-    size_t Find(wchar_t unit) const noexcept;
+    size_t Find(wchar_t unit) const noexcept {
+        size_t index = 0;
+        while (m_size - index >= UnitBlock::kSize && !BlockAt(index).Has(unit)) {
+            index += UnitBlock::kSize;
+        }
+        while (index < m_size && (*this)[index] != unit) {
+            ++index;
+        }
+        return index;
+    }
 
 private:
     const uint8_t* m_bytes = nullptr;

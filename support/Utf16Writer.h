@@ -2,6 +2,7 @@
 
 #include "support/Utf16View.h"
 
+#include <algorithm>
 #include <string_view>
 
 /// Stores text as it is, UTF-16 with nothing between its lines, or measures it when there is nowhere to
@@ -28,6 +29,19 @@ public:
         return done;
     }
 
+    /// Appends the units of `text` up to the first that is not ASCII, except those that `isLeftOut` names,
+    /// and returns how many were passed over.
+    template<class IsLeftOut>
+    size_t AppendAsciiWithout(IsLeftOut isLeftOut, Utf16View text) noexcept {
+        size_t done = 0;
+        for (; done < text.Size() && text[done] < 0x80; ++done) {
+            if (!isLeftOut(text[done])) {
+                AppendUnit(text[done]);
+            }
+        }
+        return done;
+    }
+
     void AppendUnit(wchar_t unit) noexcept {
         if (m_out != nullptr) {
             m_out[m_size] = unit;
@@ -35,10 +49,19 @@ public:
         ++m_size;
     }
 
-    void EndLine() const noexcept {}
+    void AppendLine(std::string_view ascii) noexcept { Append(ascii); }
 
     /// Code units so far.
-    size_t Size() const noexcept { return m_size; }
+    size_t Position() const noexcept { return m_size; }
+
+    /// Appends once more what was appended between two positions; false when that is nothing.
+    bool Repeat(size_t begin, size_t end) noexcept {
+        if (m_out != nullptr) {
+            std::copy(m_out + begin, m_out + end, m_out + m_size);
+        }
+        m_size += end - begin;
+        return begin != end;
+    }
 
 private:
     wchar_t* m_out;

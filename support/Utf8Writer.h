@@ -20,7 +20,7 @@ public:
 
     /// `ascii` must be shorter than a piece.
     void Append(std::string_view ascii) noexcept {
-        if (Room() < ascii.size()) {
+        if (Room() < ascii.size()) [[unlikely]] {
             Flush();
         }
         std::memcpy(&m_piece[m_size], ascii.data(), ascii.size());
@@ -33,12 +33,32 @@ public:
     size_t AppendAsciiUntil(Utf16View text, Stops... stops) noexcept {
         size_t done = 0;
         for (size_t copied = 0, most = 0; done < text.Size() && copied == most; done += copied) {
-            if (Room() == 0) {
+            if (Room() == 0) [[unlikely]] {
                 Flush();
             }
             most = std::min(text.Size() - done, Room());
             copied = CopyAsciiUntil(&m_piece[m_size], text.After(done).First(most), stops...);
             m_size += copied;
+        }
+        return done;
+    }
+
+    /// Appends the units of `text` up to the first that is not ASCII, except those that `isLeftOut` names,
+    /// and returns how many were passed over.
+    template<class IsLeftOut>
+    size_t AppendAsciiWithout(IsLeftOut isLeftOut, Utf16View text) noexcept {
+        size_t done = 0;
+        while (done < text.Size() && text[done] < 0x80) {
+            if (Room() == 0) [[unlikely]] {
+                Flush();
+            }
+            const size_t end = done + std::min(text.Size() - done, Room());
+            char* out = &m_piece[m_size];
+            for (; done < end && text[done] < 0x80; ++done) {
+                *out = static_cast<char>(text[done]);
+                out += isLeftOut(text[done]) ? 0 : 1;
+            }
+            m_size = static_cast<size_t>(out - m_piece.get());
         }
         return done;
     }
@@ -50,7 +70,7 @@ public:
             Put4(0x10000u + ((m_high & 0x3FFu) << 10) + (unit & 0x3FFu));
             return;
         }
-        if (Room() < kMostBytes) {
+        if (Room() < kMostBytes) [[unlikely]] {
             Flush();
         }
         if (unit < 0x80) {
@@ -67,11 +87,30 @@ public:
         }
     }
 
-    void EndLine() noexcept { Append("\r\n"); }
+    /// Appends and ends the line with CR LF. `ascii` must be shorter than a piece.
+    void AppendLine(std::string_view ascii) noexcept {
+        Append(ascii);
+        Append("\r\n");
+    }
+
+    /// How much was appended so far, for Repeat.
+    size_t Position() const noexcept { return m_written + m_size; }
+
+    /// Appends once more what was appended between two positions; false, and nothing is appended, when that
+    /// is nothing or is no longer at hand.
+    bool Repeat(size_t begin, size_t end) noexcept {
+        if (begin == end || begin < m_written || Room() < end - begin) {
+            return false;
+        }
+        std::memcpy(&m_piece[m_size], &m_piece[begin - m_written], end - begin);
+        m_size += end - begin;
+        return true;
+    }
 
     /// Writes what is still held; nothing else does at the end.
     void Flush() noexcept {
         m_intact = m_intact && m_file.Write(m_piece.get(), m_size);
+        m_written += m_size;
         m_size = 0;
         m_highEnd = kNone;
     }
@@ -119,6 +158,7 @@ private:
 
     File& m_file;
     std::unique_ptr<char[]> m_piece;
+    size_t m_written = 0;     // bytes of earlier pieces
     size_t m_size = 0;        // of what the piece holds
     size_t m_highEnd = kNone; // where the replacement of a high surrogate ends in it
     wchar_t m_high = 0;       // that surrogate

@@ -18,7 +18,7 @@ template<class Append>
 std::wstring Written(Append append) {
     Utf16Writer measure(nullptr);
     append(measure);
-    std::wstring text(measure.Size(), L'?');
+    std::wstring text(measure.Position(), L'?');
     Utf16Writer store(text.data());
     append(store);
     return text;

@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     Utf16Writer measure(nullptr);
     Document(measure).Write(facts, facts);
-    std::wstring stored(measure.Size(), L'?');
+    std::wstring stored(measure.Position(), L'?');
     Utf16Writer store(stored.data());
     Document(store).Write(facts, facts);
     Require(stored == PlainDocument(plain, plain, L""), "document in UTF-16");

@@ -8,7 +8,7 @@
 namespace {
 
 /// Runs the work of one export on a non-null instance. No exception reaches the host: when memory runs out
-/// the work is not done, the host gets 0, and an error line says so if there is memory enough for that.
+/// the work is not done, the host gets 0, and an error line says so.
 template<class Work>
 auto Guarded(clDSP_WriteMetadataFile* instance, Work work) noexcept -> decltype(work(*instance)) {
     if (instance == nullptr) {
@@ -17,11 +17,7 @@ auto Guarded(clDSP_WriteMetadataFile* instance, Work work) noexcept -> decltype(
     try {
         return work(*instance);
     } catch (const std::bad_alloc&) {
-        try {
-            LogError(L"Out of memory", instance->Record(), nullptr);
-        } catch (const std::bad_alloc&) {
-            return {};
-        }
+        LogError(L"Out of memory", instance->Record(), nullptr);
         return {};
     }
 }

@@ -3,55 +3,69 @@
 #include "support/XMutex.h"
 #include "support/XString.h"
 
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <new>
+
 namespace {
 
 constexpr const wchar_t* kErrorPrefix = L"*** Error: ";
-constexpr const wchar_t* kIndentStep = L"  ";
+constexpr size_t kIndentStep = 2; // spaces
 constexpr size_t kMarkerSize = 4;
 
 XMutex logMutex;
-XString indent; // guarded by logMutex
+size_t indent = 0; // spaces; guarded by logMutex
 
 bool BeginsWith(const wchar_t* message, const wchar_t* marker) noexcept {
     return Compare(message, marker, kMarkerSize) == 0;
 }
 
-XString BuildLine(const wchar_t* head, const wchar_t* message, const wchar_t* scope) {
-    constexpr size_t kFrame = 8; // brackets, spaces, line end, terminator
-    XString line;
-    line.Reserve(TextSize(head) + TextSize(message) + TextSize(scope) + kFrame);
-    line.Append(head);
-    line.Append(message);
-    if (scope != nullptr) {
-        line.Append(L"  [");
-        line.Append(scope);
-        line.Append(L"]");
+/// A line takes memory only when it is long, so that even running out of memory can be told.
+void WriteLine(HANDLE file, size_t spaces, const wchar_t* prefix, const wchar_t* message,
+               const wchar_t* scope) noexcept {
+    if (file == nullptr || file == INVALID_HANDLE_VALUE) {
+        return;
     }
-    line.Append(L"\r\n");
-    return line;
-}
-
-void WriteToHost(HANDLE file, const XString& line) noexcept {
-    if (file != nullptr && file != INVALID_HANDLE_VALUE) {
-        DWORD written = 0;
-        WriteFile(file, line.Text(), static_cast<DWORD>(line.Size() * sizeof(wchar_t)), &written, nullptr);
+    const wchar_t* const parts[] = {prefix, message, scope != nullptr ? L"  [" : L"", scope,
+                                    scope != nullptr ? L"]\r\n" : L"\r\n"};
+    size_t size = spaces;
+    for (const wchar_t* part : parts) {
+        size += TextSize(part);
     }
+    wchar_t shortLine[400];
+    std::unique_ptr<wchar_t[]> longLine;
+    wchar_t* line = shortLine;
+    if (size > std::size(shortLine)) {
+        longLine.reset(new (std::nothrow) wchar_t[size]);
+        line = longLine.get();
+    }
+    if (line == nullptr) {
+        return;
+    }
+    wchar_t* end = std::fill_n(line, spaces, L' ');
+    for (const wchar_t* part : parts) {
+        end = std::copy_n(part, TextSize(part), end);
+    }
+    DWORD written = 0;
+    WriteFile(file, line, static_cast<DWORD>(size * sizeof(wchar_t)), &written, nullptr);
 }
 
 } // namespace
 
-void Log(const wchar_t* message, const CreateRecord& owner, const wchar_t* scope, const wchar_t* prefix) {
+void Log(const wchar_t* message, const CreateRecord& owner, const wchar_t* scope,
+         const wchar_t* prefix) noexcept {
     const XMutex::Lock lock(logMutex);
     if (BeginsWith(message, kLeave)) {
-        indent.DropLast(TextSize(kIndentStep));
+        indent -= std::min(indent, kIndentStep);
     }
-    WriteToHost(owner.debugFile, BuildLine(prefix != nullptr ? prefix : indent.Text(), message, scope));
+    WriteLine(owner.debugFile, prefix != nullptr ? 0 : indent, prefix, message, scope);
     if (BeginsWith(message, kEnter)) {
-        indent.Append(kIndentStep);
+        indent += kIndentStep;
     }
 }
 
-void LogError(const wchar_t* message, const CreateRecord& owner, const wchar_t* scope) {
+void LogError(const wchar_t* message, const CreateRecord& owner, const wchar_t* scope) noexcept {
     Log(message, owner, scope, kErrorPrefix);
-    WriteToHost(owner.errorFile, BuildLine(L"", message, scope));
+    WriteLine(owner.errorFile, 0, nullptr, message, scope);
 }

@@ -1,6 +1,7 @@
 #include "plugin/Exports.h"
 
 #include "plugin/clDSP_WriteMetadataFile.h"
+#include "support/MemoryReserve.h"
 
 #include <new>
 #include <utility>
@@ -14,6 +15,7 @@ auto Guarded(clDSP_WriteMetadataFile* instance, Work work) noexcept -> decltype(
     if (instance == nullptr) {
         return {};
     }
+    RefillMemoryReserve();
     try {
         return work(*instance);
     } catch (const std::bad_alloc&) {

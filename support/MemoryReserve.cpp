@@ -1,0 +1,39 @@
+#include "support/MemoryReserve.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constexpr size_t kSize = 16 * 1024; // several times what one throw on a new thread takes
+
+std::atomic<void*> reserve = nullptr;
+
+void ReleaseReserve() noexcept {
+    std::free(reserve.exchange(nullptr));
+}
+
+struct Reserve {
+    Reserve() noexcept {
+        RefillMemoryReserve();
+        std::set_new_handler([] {
+            ReleaseReserve();
+            throw std::bad_alloc();
+        });
+    }
+    Reserve(const Reserve&) = delete;
+    Reserve& operator=(const Reserve&) = delete;
+    ~Reserve() { ReleaseReserve(); }
+};
+
+const Reserve whileLoaded;
+
+} // namespace
+
+void RefillMemoryReserve() noexcept {
+    if (reserve.load() == nullptr) {
+        // What another thread has filled in meanwhile is freed.
+        std::free(reserve.exchange(std::malloc(kSize)));
+    }
+}

@@ -33,6 +33,12 @@ void Check(HRESULT result, const ComPtr<Interface>& object) {
     CheckCall(result, object.Get(), kInterfaceId<Interface>);
 }
 
+void ThrowUnless(bool done) {
+    if (!done) {
+        throw ComError{};
+    }
+}
+
 template<class Interface>
 ComPtr<Interface> Create(const GUID& classId) {
     ComPtr<Interface> object;
@@ -131,11 +137,15 @@ private:
     static void CopyMemoryBlock(IStream* stream, ByteBuffer& out) {
         HGLOBAL block = nullptr;
         static_cast<void>(GetHGlobalFromStream(stream, &block));
-        const SIZE_T size = block != nullptr ? GlobalSize(block) : 0;
+        // Without a block there is no result, not even an empty one to replace the output file with.
+        ThrowUnless(block != nullptr);
+        const SIZE_T size = GlobalSize(block);
         if (size > std::numeric_limits<uint32_t>::max()) {
             throw std::bad_alloc();
         }
-        if (const void* bytes = size != 0 ? GlobalLock(block) : nullptr; bytes != nullptr) {
+        if (size != 0) {
+            const void* bytes = GlobalLock(block);
+            ThrowUnless(bytes != nullptr);
             out.Assign(bytes, static_cast<uint32_t>(size));
             GlobalUnlock(block);
         }

@@ -45,8 +45,14 @@ HWND frmDSPSettings::Show(HWND parent, int32_t x, int32_t y, const wchar_t* sett
     m_y = y;
     m_settings.Assign(settings);
     Destroy();
-    CreateDialogParamW(ResourceModule(), MAKEINTRESOURCEW(IDD_SETTINGS), parent, DialogProc,
-                       reinterpret_cast<LPARAM>(static_cast<XWindow*>(this)));
+    m_filled = false;
+    const HWND panel =
+        CreateDialogParamW(ResourceModule(), MAKEINTRESOURCEW(IDD_SETTINGS), parent, DialogProc,
+                           reinterpret_cast<LPARAM>(static_cast<XWindow*>(this)));
+    if (panel != nullptr && !m_filled) {
+        // A panel that lacks its settings would hand the host empty ones.
+        DestroyWindow(panel);
+    }
     return Hwnd();
 }
 
@@ -71,8 +77,8 @@ void frmDSPSettings::OnInit() {
 
     OptionLists options;
     ParseOptions(options, m_settings);
-    SetDlgItemTextW(Hwnd(), IDC_XSLT_FILE, FindOption(options, L"xsltfile"));
-    SetDlgItemTextW(Hwnd(), IDC_EXTENSION, FindOption(options, L"ext"));
+    m_filled = SetDlgItemTextW(Hwnd(), IDC_XSLT_FILE, FindOption(options, L"xsltfile")) &&
+               SetDlgItemTextW(Hwnd(), IDC_EXTENSION, FindOption(options, L"ext"));
 }
 
 bool frmDSPSettings::OnDestroy() {

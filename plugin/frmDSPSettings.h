@@ -40,6 +40,7 @@ private:
     XString m_settings;
     int32_t m_x = 0;
     int32_t m_y = 0;
+    bool m_filled = false; // the panel shows its settings
     XToolTip m_toolTip;
     XIcon m_icon;
     OwnedFont m_labelFont;

@@ -22,6 +22,9 @@ void ForEachLabel(HWND dialog, Visit visit) {
 
 bool LabelsFit(HWND dialog, HFONT font) {
     const HDC dc = GetDC(dialog);
+    if (dc == nullptr) {
+        return true; // nothing to measure with
+    }
     const HGDIOBJ before = SelectObject(dc, font);
     bool fit = true;
     ForEachLabel(dialog, [&](HWND label) {

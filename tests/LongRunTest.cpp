@@ -1,0 +1,133 @@
+#include "tests/ConversionFixture.h"
+
+#include <psapi.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <set>
+#include <thread>
+
+// Long runs: ROUNDS of the environment says how long, 20000 for a thorough one.
+
+namespace {
+
+FixtureBehaviour* behaviour = nullptr;
+
+} // namespace
+
+FixtureBehaviour* FixtureBehaviourOf(const wchar_t*) {
+    return behaviour;
+}
+
+void FixtureCalled(const wchar_t*, const wchar_t*) {}
+
+namespace {
+
+int Rounds() {
+    const char* rounds = std::getenv("ROUNDS");
+    return rounds != nullptr ? std::atoi(rounds) : 400;
+}
+
+class LongRun : public ConversionTest {
+protected:
+    LongRun() { behaviour = &library; }
+};
+
+/// What the process holds. Not all systems count; what a fresh handle gets tells of the others.
+struct Use {
+    size_t freshHandle, handles, gdiObjects, userObjects, privateBytes;
+
+    static Use Now() {
+        const OwnedHandle fresh(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+        DWORD handles = 0;
+        GetProcessHandleCount(GetCurrentProcess(), &handles);
+        PROCESS_MEMORY_COUNTERS memory = {};
+        GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+        return {reinterpret_cast<size_t>(fresh.Get()), handles,
+                GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS),
+                GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), memory.PagefileUsage};
+    }
+};
+
+TEST_F(LongRun, ConversionsLeaveNothingBehind) {
+    const std::wstring sheet = folder + L"sheet.xsl";
+    WriteTestFile(sheet, "<s:stylesheet version='1.0' xmlns:s='http://www.w3.org/1999/XSL/Transform'/>");
+    const CreateRecord record = {};
+    for (const std::wstring& settings : {std::wstring(L"-ext=.xml"), L"-xsltfile=\"" + sheet + L"\""}) {
+        auto* instance = CALL_PLUGIN(DSP_Create, &record);
+        const AfterConversionInfo info = Info();
+        std::string first;
+        Use early = {};
+        const int step = Rounds() / 20;
+        for (int round = 1; round <= 20 * step; ++round) {
+            CALL_PLUGIN(DSP_BeginConversion, instance, nullptr, settings.c_str(), nullptr);
+            ASSERT_EQ(CALL_PLUGIN(DSP_AfterConversion, instance, &info), 1);
+            if (round % step == 0) {
+                const Use use = Use::Now();
+                printf("%6d conversions: fresh handle %zu, %zu handles, %zu GDI, %zu USER, %zu KB\n", round,
+                       use.freshHandle, use.handles, use.gdiObjects, use.userObjects,
+                       use.privateBytes / 1024);
+                early = round == step ? use : early;
+                first = round == step ? ReadBytes(document) : first;
+                ASSERT_EQ(ReadBytes(document), first);
+                ASSERT_EQ(use.freshHandle, early.freshHandle);
+                ASSERT_EQ(use.handles, early.handles);
+                ASSERT_EQ(use.gdiObjects, early.gdiObjects);
+                ASSERT_EQ(use.userObjects, early.userObjects);
+                ASSERT_LT(use.privateBytes, early.privateBytes + (256u << 10));
+            }
+        }
+        EXPECT_GT(first.size(), 100u);
+        CALL_PLUGIN(DSP_Destroy, instance);
+    }
+}
+
+/// Without the indentation, which instances share.
+std::set<std::wstring> Distinct(std::vector<std::wstring> lines) {
+    for (std::wstring& line : lines) {
+        line.erase(0, line.find_first_not_of(L' '));
+    }
+    return {lines.begin(), lines.end()};
+}
+
+TEST_F(LongRun, ThreadsShareTheTrace) {
+    constexpr int kThreads = 8;
+    const std::wstring tracePath = folder + L"shared.log";
+    const OwnedFile trace = CreateTestFile(tracePath);
+    const CreateRecord record = {nullptr, nullptr, trace.Get()};
+    const auto convert = [&](int thread, int rounds, std::string& expected) {
+        const std::wstring name = folder + std::to_wstring(thread);
+        const std::wstring output = name + L".OUT";
+        AfterConversionInfo info = Info();
+        info.destFileName = output.c_str();
+        auto* instance = CALL_PLUGIN(DSP_Create, &record);
+        for (int round = 0; round < rounds; ++round) {
+            CALL_PLUGIN(DSP_BeginConversion, instance, nullptr, L"", nullptr);
+            CALL_PLUGIN(DSP_AfterConversion, instance, &info);
+            const std::string bytes = ReadBytes(name + L".xml");
+            expected = expected.empty() ? bytes : expected;
+            ASSERT_EQ(bytes, expected);
+        }
+        CALL_PLUGIN(DSP_Destroy, instance);
+    };
+    std::string documents[kThreads];
+    for (int thread = 0; thread < kThreads; ++thread) {
+        WriteTestFile(folder + std::to_wstring(thread) + L".OUT", "converted");
+        convert(thread, 1, documents[thread]);
+    }
+    const std::vector<std::wstring> alone = Lines(ReadUtf16(tracePath));
+
+    std::vector<std::thread> threads;
+    const int rounds = Rounds() / 10;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        threads.emplace_back([&, thread] { convert(thread, rounds, documents[thread]); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const std::vector<std::wstring> together = Lines(ReadUtf16(tracePath));
+    EXPECT_EQ(together.size(), alone.size() * static_cast<size_t>(rounds + 1));
+    EXPECT_EQ(Distinct(together), Distinct(alone));
+}
+
+} // namespace

@@ -1,0 +1,186 @@
+#include "tests/ConversionFixture.h"
+
+#include <functional>
+
+// Surroundings that turn against the plug-in.
+
+namespace {
+
+/// Called with every call of a decoder library, such as "Open2 8".
+std::function<void(const std::wstring& call)> onCall = [](const std::wstring&) {};
+
+} // namespace
+
+FixtureBehaviour* FixtureBehaviourOf(const wchar_t* libraryName) {
+    return &Decoders::current->Of(libraryName);
+}
+
+void FixtureCalled(const wchar_t*, const wchar_t* call) {
+    onCall(call);
+}
+
+namespace {
+
+class Hostile : public ConversionTest {
+protected:
+    ~Hostile() override {
+        onCall = [](const std::wstring&) {};
+    }
+
+    /// Converts with the settings and gives the error lines; the work must be done to its end.
+    std::wstring Errors(const std::wstring& settings = L"") {
+        const std::wstring trace = Convert(settings);
+        EXPECT_NE(trace.find(L"<-<-  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n"), std::wstring::npos);
+        return plugin.Errors();
+    }
+
+    static bool IsWhole(const std::wstring& path) {
+        const std::string bytes = Exists(path) ? ReadBytes(path) : "";
+        return bytes.starts_with("<?xml") && bytes.find("<Title") != std::string::npos &&
+               bytes.find("<FileBitrate>705<") != std::string::npos &&
+               bytes.ends_with("</AudioMetadata>\r\n");
+    }
+
+    static std::wstring Named(const std::wstring& output) { return L"-filename=\"" + output + L"\""; }
+};
+
+TEST_F(Hostile, OutputThatCannotBeWrittenIsPassedOverInSilence) {
+    const std::wstring sub = folder + L"sub\\";
+    const std::wstring full = L"Z:\\dev\\full"; // where there is a system with such a device below
+    const struct {
+        const char* label;
+        std::function<void()> arrange;
+        std::wstring output;
+    } rows[] = {
+        {"folder missing", [] {}, folder + L"none\\out.xml"},
+        {"folder removed in mid-run",
+         [&] {
+             CreateDirectoryW(sub.c_str(), nullptr);
+             onCall = [sub](const std::wstring& call) {
+                 if (call.ends_with(L" 8")) { // the source's tags, the last thing that is read from a decoder
+                     EXPECT_TRUE(RemoveDirectoryW(sub.c_str()));
+                 }
+             };
+         },
+         sub + L"out.xml"},
+        {"disk full", [] {}, full},
+        {"characters that no name has", [] {}, folder + L"a<b>|?*.xml"},
+        {"device", [] {}, L"NUL"},
+    };
+    for (const auto& row : rows) {
+        row.arrange();
+        EXPECT_EQ(Errors(Named(row.output)), L"") << row.label;
+        EXPECT_FALSE(IsWhole(row.output)) << row.label;
+        onCall = [](const std::wstring&) {};
+        EXPECT_EQ(Errors(), L"") << row.label;
+        EXPECT_TRUE(IsWhole(document)) << "after " << row.label;
+    }
+    if (Exists(full)) {
+        const OwnedFile disk(CreateFileW(full.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+        DWORD written = 0;
+        EXPECT_FALSE(WriteFile(disk.Get(), "x", 1, &written, nullptr));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_DISK_FULL});
+    }
+}
+
+TEST_F(Hostile, ReadOnlyOutputIsKeptOrReplacedWhole) {
+    WriteTestFile(document, "kept");
+    SetFileAttributesW(document.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(Errors(), L"");
+    // An administrator of a system below may write all the same.
+    EXPECT_TRUE(IsWhole(document) || ReadBytes(document) == "kept");
+    SetFileAttributesW(document.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(Hostile, NamesAreTakenAsTheyAre) {
+    std::wstring deep = L"\\\\?\\" + folder;
+    for (int i = 0; i < 4; ++i) {
+        deep += std::wstring(100, L'd') + L"\\";
+        EXPECT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
+    }
+    const struct {
+        std::wstring folder, name;
+        std::string text;
+    } rows[] = {
+        {deep.substr(4), L"deep", "deep"},       {folder, L"\U0001F3B5 song", "\xF0\x9F\x8E\xB5 song"},
+        {folder, L"a\xD800z", "a\xEF\xBF\xBDz"}, {folder, L"\xDC00", "\xEF\xBF\xBD"},
+        {folder, L"dots.. .", "dots.. ."},       {folder, L" ", " "},
+    };
+    for (const auto& row : rows) {
+        converted = row.folder + row.name + L".OUT";
+        const std::wstring prefix = row.folder.size() > 260 ? L"\\\\?\\" : L"";
+        const OwnedFile file(CreateFileW((prefix + converted).c_str(), GENERIC_WRITE, kShareAll, nullptr,
+                                         CREATE_ALWAYS, 0, nullptr));
+        const std::wstring errors = Errors();
+        const std::wstring output = prefix + row.folder + row.name + L".xml";
+        if (file.IsValid()) {
+            EXPECT_EQ(errors, L"");
+            EXPECT_TRUE(IsWhole(output)) << row.text;
+            EXPECT_NE(ReadBytes(output).find("<FileNameNoExt>" + row.text + "</FileNameNoExt>"),
+                      std::string::npos)
+                << row.text;
+        } else { // no name for this system
+            EXPECT_NE(errors, L"") << row.text;
+            EXPECT_FALSE(Exists(output)) << row.text;
+        }
+    }
+}
+
+TEST_F(Hostile, ASourceMayGoBetweenTwoReadings) {
+    onCall = [this](const std::wstring& call) {
+        if (call.ends_with(L" 8")) {
+            EXPECT_TRUE(DeleteFileW(source.c_str()));
+        }
+    };
+    const std::wstring noTime = L"Error reading file date time, file does not exist '" + source + L"'\r\n";
+    EXPECT_EQ(Errors(), noTime + noTime + noTime);
+    EXPECT_TRUE(IsWhole(document));
+}
+
+TEST_F(Hostile, TheCacheMayHoldAnything) {
+    const std::wstring huge(400'000, L'x');
+    const struct {
+        const char* label;
+        DWORD type;
+        std::string bytes;
+    } rows[] = {
+        {"odd size", REG_SZ, std::string("l\0i\0b\0.\0d\0l\0l\0?", 15)},
+        {"one byte", REG_SZ, "l"},
+        {"number", REG_DWORD, "1234"},
+        {"several texts", REG_MULTI_SZ, std::string("l\0i\0b\0\0\0x\0\0\0\0\0", 14)},
+        {"folder only", REG_SZ, std::string("\\\0\0\0", 4)},
+        {"far too long", REG_SZ, std::string(reinterpret_cast<const char*>(huge.data()), huge.size() * 2)},
+    };
+    for (const auto& row : rows) {
+        Errors(); // makes the key
+        ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, Decoders::kCacheKey, L".OUT", row.type, row.bytes.data(),
+                                  static_cast<DWORD>(row.bytes.size())),
+                  ERROR_SUCCESS)
+            << row.label;
+        EXPECT_EQ(Errors(), L"") << row.label;
+        EXPECT_TRUE(IsWhole(document)) << row.label;
+        EXPECT_EQ(Decoders::Cached(L".OUT"), Decoders::PathOf(L"lib.dll")) << row.label;
+    }
+}
+
+TEST_F(Hostile, TheDecoderFolderMayHoldAnything) {
+    const std::string image = ReadBytes(Decoders::PathOf(L"lib.dll"));
+    std::string unresolved = image;
+    const size_t import = unresolved.find("KERNEL32.dll");
+    ASSERT_NE(import, std::string::npos);
+    unresolved.replace(import, 12, "NOTTHERE.dll");
+    // All come before lib.dll.
+    WriteTestFile(Decoders::PathOf(L"a.dll"), "text");
+    WriteTestFile(Decoders::PathOf(L"b.dll"), "");
+    WriteTestFile(Decoders::PathOf(L"c.dll"), image.substr(0, image.size() / 2));
+    WriteTestFile(Decoders::PathOf(L"d.dll"), unresolved);
+    decoders.Add(L"e.dll").loads = false;
+    for (int i = 100; i < 300; ++i) {
+        decoders.Add((L"f" + std::to_wstring(i) + L".dll").c_str()).decodes = {L".other"};
+    }
+    EXPECT_EQ(Errors(), L"");
+    EXPECT_TRUE(IsWhole(document));
+    EXPECT_EQ(Decoders::Cached(L".OUT"), Decoders::PathOf(L"lib.dll"));
+}
+
+} // namespace

@@ -136,7 +136,7 @@ protected:
                                });
             ASSERT_TRUE(stub.calls == 0 || known) << "How does it fail? " << stub.name;
         }
-        const HANDLE freshHandle = FreshHandle();
+        const size_t handles = HighestFreshHandle();
         const size_t used = Heap::used;
         for (const Failure& failure : failures) {
             const std::string& name = failure.function;
@@ -155,12 +155,10 @@ protected:
             }
             EXPECT_EQ(Play(round, failure, 0), well) << name;
             EXPECT_EQ(Heap::used, used) << name;
-            EXPECT_EQ(FreshHandle(), freshHandle) << name;
+            EXPECT_EQ(HighestFreshHandle(), handles) << name;
             ASSERT_EQ(results, failure.results) << name;
         }
     }
-
-    static HANDLE FreshHandle() { return OwnedHandle(CreateEventW(nullptr, FALSE, FALSE, nullptr)).Get(); }
 
     /// The whole life of an instance on a thread that never was in the plug-in: what its calls answered if
     /// that is not 1, what became of the output file, and the error lines without file names and scopes.

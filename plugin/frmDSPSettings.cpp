@@ -46,9 +46,8 @@ HWND frmDSPSettings::Show(HWND parent, int32_t x, int32_t y, const wchar_t* sett
     m_settings.Assign(settings);
     Destroy();
     m_filled = false;
-    const HWND panel =
-        CreateDialogParamW(ResourceModule(), MAKEINTRESOURCEW(IDD_SETTINGS), parent, DialogProc,
-                           reinterpret_cast<LPARAM>(static_cast<XWindow*>(this)));
+    const HWND panel = CreateDialogParamW(ResourceModule(), MAKEINTRESOURCEW(IDD_SETTINGS), parent,
+                                          DialogProc, reinterpret_cast<LPARAM>(static_cast<XWindow*>(this)));
     if (panel != nullptr && !m_filled) {
         // A panel that lacks its settings would hand the host empty ones.
         DestroyWindow(panel);

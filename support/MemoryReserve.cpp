@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr size_t kSize = 16 * 1024; // several times what one throw on a new thread takes
+constexpr size_t kSize = 16'384; // several times what one throw on a new thread takes
 
 std::atomic<void*> reserve = nullptr;
 
@@ -14,13 +14,15 @@ void ReleaseReserve() noexcept {
     std::free(reserve.exchange(nullptr));
 }
 
+[[noreturn]] void GiveUp() {
+    ReleaseReserve();
+    throw std::bad_alloc();
+}
+
 struct Reserve {
     Reserve() noexcept {
         RefillMemoryReserve();
-        std::set_new_handler([] {
-            ReleaseReserve();
-            throw std::bad_alloc();
-        });
+        std::set_new_handler(GiveUp);
     }
     Reserve(const Reserve&) = delete;
     Reserve& operator=(const Reserve&) = delete;

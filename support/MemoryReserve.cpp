@@ -20,7 +20,7 @@ void ReleaseReserve() noexcept {
 }
 
 struct Reserve {
-    Reserve() noexcept {
+    Reserve() {
         RefillMemoryReserve();
         std::set_new_handler(GiveUp);
     }

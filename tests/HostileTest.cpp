@@ -34,6 +34,10 @@ protected:
         return plugin.Errors();
     }
 
+    static bool Exists(const std::wstring& path) {
+        return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
+
     static bool IsWhole(const std::wstring& path) {
         const std::string bytes = Exists(path) ? ReadBytes(path) : "";
         return bytes.starts_with("<?xml") && bytes.find("<Title") != std::string::npos &&

@@ -1,5 +1,5 @@
 #include "bench/Cases.h"
-#include "bench/Document.h"
+#include "bench/DocumentParts.h"
 #include "bench/Rounds.h"
 
 #include <cmath>
@@ -61,12 +61,12 @@ double MeasureDocument(const PluginInstance& instance, Report& report, const cha
     const Blob kept = tags;
     const Scene scene(kept);
     scene.CheckCalls(instance);
-    const Document document(std::move(tags), ReadBytes(scene.Output()));
+    const DocumentParts document(std::move(tags), ReadBytes(scene.Output()));
 
     struct Way {
         const char* name;
         const wchar_t* file;
-        void (*write)(HANDLE file, const Document& document);
+        void (*write)(HANDLE file, const DocumentParts& document);
     };
     constexpr Way kWays[] = {{"single pass", L"limit", WriteInSinglePass},
                              {"RapidXML", L"rapidxml", WriteWithRapidXml},
@@ -126,7 +126,7 @@ void MeasurePicture(const PluginInstance& instance, Report& report) {
     const Blob picture = PackPicture(10'000'000);
     const Scene scene(picture);
     scene.Convert(instance);
-    const Document document(Blob(picture), ReadBytes(scene.Output()));
+    const DocumentParts document(Blob(picture), ReadBytes(scene.Output()));
     Blob copy(picture.size());
     const auto write = [&](HANDLE file) {
         std::memcpy(copy.data(), picture.data(), picture.size());

@@ -1,4 +1,4 @@
-#include "bench/Document.h"
+#include "bench/DocumentParts.h"
 #include "bench/WriteStream.h"
 #include "metadata/Com.h"
 
@@ -18,7 +18,7 @@ Bstr Copy(std::wstring_view text) {
 
 class Tree {
 public:
-    explicit Tree(const Document& document) {
+    explicit Tree(const DocumentParts& document) {
         CoCreateInstance(kDomDocument, nullptr, CLSCTX_INPROC_SERVER, kDomDocumentInterface,
                          reinterpret_cast<void**>(m_tree.Receive()));
         Build(*this, document);
@@ -68,6 +68,6 @@ private:
 
 } // namespace
 
-void WriteWithMsxml(HANDLE file, const Document& document) {
+void WriteWithMsxml(HANDLE file, const DocumentParts& document) {
     Tree(document).Write(file);
 }

@@ -1,4 +1,4 @@
-#include "bench/Document.h"
+#include "bench/DocumentParts.h"
 
 #include <rapidxml/rapidxml.hpp>
 #include <rapidxml/rapidxml_print.hpp>
@@ -13,7 +13,7 @@ using Node = rapidxml::xml_node<char>;
 
 class Tree {
 public:
-    explicit Tree(const Document& document) { Build(*this, document); }
+    explicit Tree(const DocumentParts& document) { Build(*this, document); }
 
     void Begin(std::wstring_view name) { m_open.push_back(Add(name, {})); }
     void End() { m_open.pop_back(); }
@@ -99,7 +99,7 @@ bool SameNodes(const Node* first, const Node* second) {
 
 } // namespace
 
-void WriteWithRapidXml(HANDLE file, const Document& document) {
+void WriteWithRapidXml(HANDLE file, const DocumentParts& document) {
     Tree(document).Write(file);
 }
 

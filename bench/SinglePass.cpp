@@ -1,4 +1,4 @@
-#include "bench/Document.h"
+#include "bench/DocumentParts.h"
 
 #include <array>
 #include <cstring>
@@ -150,7 +150,7 @@ void PutEntry(const wchar_t* name, const wchar_t* end, char*& out) {
 
 } // namespace
 
-void WriteInSinglePass(HANDLE file, const Document& document) {
+void WriteInSinglePass(HANDLE file, const DocumentParts& document) {
     char* out = document.room.get();
     Put(document.head, out);
     const uint8_t* at = document.tags.data() + sizeof(int32_t);

@@ -1,4 +1,4 @@
-#include "bench/Document.h"
+#include "bench/DocumentParts.h"
 #include "bench/WriteStream.h"
 #include "metadata/Com.h"
 #include "support/Owner.h"
@@ -48,7 +48,7 @@ private:
 
 } // namespace
 
-void WriteWithXmlLite(HANDLE file, const Document& document) {
+void WriteWithXmlLite(HANDLE file, const DocumentParts& document) {
     ComPtr<IStream> stream;
     CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive());
     {

@@ -17,6 +17,7 @@ cppcheck --platform=win64 --std=c++20 --language=c++ --quiet --error-exitcode=1 
     --enable=warning,performance,portability,style --suppress=missingIncludeSystem \
     --suppress=useStlAlgorithm \
     --suppress=knownConditionTrueFalse:toolkit/XWindow.cpp `# rows of its table end in "what, handled"` \
+    --suppress=noExplicitConstructor:support/Utf16View.h `# a text is viewed as it is` \
     --suppress=constParameter:plugin/Exports.cpp `# the exports' signatures are the host's` \
     -D_WIN32 -DUNICODE -DWINAPI= -DCALLBACK= \
     support decoders metadata toolkit plugin tools bench

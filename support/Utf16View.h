@@ -14,7 +14,6 @@ public:
     Utf16View() noexcept = default;
     Utf16View(const void* units, size_t size) noexcept
         : m_bytes(static_cast<const uint8_t*>(units)), m_size(size) {}
-    // cppcheck-suppress noExplicitConstructor ; a text is read as it is
     Utf16View(const XString& text) noexcept : Utf16View(text.Text(), text.Size()) {}
 
     size_t Size() const noexcept { return m_size; }

@@ -18,7 +18,7 @@ struct FrameElement {
 
 /// What every way of writing starts from: the converted file's tags as the host hands them over, and all that
 /// stands around them ready-made.
-struct Document {
+struct DocumentParts {
     Blob tags;
     std::string head; ///< the plug-in's own bytes up to the tags
     std::string tail; ///< and after them
@@ -27,13 +27,13 @@ struct Document {
     std::unique_ptr<char[]> room; ///< for the whole document, kept from one writing to the next
 
     /// Takes head and tail from what the plug-in wrote for these tags; ASCII without entities.
-    Document(Blob&& packedTags, const std::string& written);
+    DocumentParts(Blob&& packedTags, const std::string& written);
 };
 
 /// Makes a whole document in a sink: Begin, End, Leaf (name, text) and Entry (element, name, value), which
 /// writes one element of a tag. Names are filtered and values split here.
 template<class Sink>
-void Build(Sink& sink, const Document& document) {
+void Build(Sink& sink, const DocumentParts& document) {
     const auto put = [&sink](const FrameElement& element) {
         switch (element.kind) {
         case FrameElement::Begin:
@@ -75,16 +75,16 @@ void Build(Sink& sink, const Document& document) {
 
 /// The limit: one pass over the packed list, from its bytes to UTF-8, in memory that is there already. Head
 /// and tail are copied.
-void WriteInSinglePass(HANDLE file, const Document& document);
+void WriteInSinglePass(HANDLE file, const DocumentParts& document);
 
 /// A tree of UTF-8 texts, printed.
-void WriteWithRapidXml(HANDLE file, const Document& document);
+void WriteWithRapidXml(HANDLE file, const DocumentParts& document);
 
 /// IXmlWriter with a stream in memory.
-void WriteWithXmlLite(HANDLE file, const Document& document);
+void WriteWithXmlLite(HANDLE file, const DocumentParts& document);
 
 /// A DOM, saved to a stream in memory. Needs COM.
-void WriteWithMsxml(HANDLE file, const Document& document);
+void WriteWithMsxml(HANDLE file, const DocumentParts& document);
 
 /// Whether two documents have the same elements, attributes and texts in the same order. Both are parsed in
 /// place.

@@ -1,4 +1,4 @@
-#include "bench/Document.h"
+#include "bench/DocumentParts.h"
 
 #include <utility>
 
@@ -29,7 +29,7 @@ std::vector<FrameElement> Parse(std::string_view lines) {
 
 } // namespace
 
-Document::Document(Blob&& packedTags, const std::string& written) : tags(std::move(packedTags)) {
+DocumentParts::DocumentParts(Blob&& packedTags, const std::string& written) : tags(std::move(packedTags)) {
     constexpr std::string_view kOpen = "\t\t<IDTags>\r\n";
     head = written.substr(0, written.rfind(kOpen) + kOpen.size());
     tail = written.substr(written.rfind("\t\t</IDTags>\r\n"));

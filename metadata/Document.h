@@ -115,7 +115,7 @@ private:
         size_t end = 0;
     };
 
-    /// What was written already is repeated, for it may be for one of very many values.
+    /// Repeats what the line before has already: an entry may have very many values.
     void WriteEntry(Opening& opening, Utf16View name, Utf16View value) {
         if (!m_out.Repeat(opening.begin, opening.end)) {
             opening.begin = m_out.Position();

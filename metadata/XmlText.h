@@ -30,11 +30,8 @@ inline bool IsLeftOutOfNames(wchar_t unit) noexcept {
 /// passes through, control characters and unpaired surrogates included.
 template<class Writer>
 void EscapeXmlText(Writer& out, Utf16View text) {
-    for (;;) {
-        text = text.After(out.AppendAsciiUntil(text, L'&', L'"', L'\'', L'<', L'>'));
-        if (text.IsEmpty()) {
-            return;
-        }
+    while (!text.IsEmpty()) {
+        size_t done = 1;
         switch (text[0]) {
         case L'&':
             out.Append("&amp;");
@@ -52,9 +49,13 @@ void EscapeXmlText(Writer& out, Utf16View text) {
             out.Append("&gt;");
             break;
         default:
-            out.AppendUnit(text[0]);
+            if (text[0] < 0x80) {
+                done = out.AppendAsciiUntil(text, L'&', L'"', L'\'', L'<', L'>');
+            } else {
+                out.AppendUnit(text[0]);
+            }
         }
-        text = text.After(1);
+        text = text.After(done);
     }
 }
 

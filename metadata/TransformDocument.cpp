@@ -85,34 +85,28 @@ private:
     bool LoadDocument(const Bstr& document) const {
         VARIANT_BOOL loaded = VARIANT_FALSE;
         Check(m_document->loadXML(document.Get(), &loaded), m_document);
-        if (loaded == VARIANT_FALSE) {
-            LogError(L"Loading intermediate XML failed", m_log, m_scope);
-            ReportParseError();
-            return false;
-        }
-        Log(L"XML content loaded successfully", m_log, m_scope);
-        return true;
+        return ReportLoading(loaded, L"XML content loaded successfully", L"Loading intermediate XML failed");
     }
 
     bool LoadStyleSheet(const XString& path) const {
         VARIANT_BOOL loaded = VARIANT_FALSE;
         Check(m_styleSheet->load(Variant(path).Get(), &loaded), m_styleSheet);
-        if (loaded == VARIANT_FALSE) {
-            LogError(L"Loading XSL failed", m_log, m_scope);
-            // Of the document, not of the style sheet: the reason is empty as a rule.
-            ReportParseError();
-            return false;
-        }
-        Log(L"XSL file loaded successfully", m_log, m_scope);
-        return true;
+        return ReportLoading(loaded, L"XSL file loaded successfully", L"Loading XSL failed");
     }
 
-    void ReportParseError() const {
+    /// The reason is always the document's: for a style sheet that fails it is empty as a rule.
+    bool ReportLoading(VARIANT_BOOL loaded, const wchar_t* success, const wchar_t* failure) const {
+        if (loaded != VARIANT_FALSE) {
+            Log(success, m_log, m_scope);
+            return true;
+        }
+        LogError(failure, m_log, m_scope);
         ComPtr<IXMLDOMParseError> parseError;
         Check(m_document->get_parseError(parseError.Receive()), m_document);
         Bstr reason;
         Check(parseError->get_reason(reason.Receive()), parseError);
         LogError(reason.Text(), m_log, m_scope);
+        return false;
     }
 
     bool CreateProcessor() {

@@ -7,10 +7,8 @@
 
 #include <commdlg.h>
 #include <oleacc.h>
-#include <psapi.h>
 #include <shellapi.h>
 
-#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -350,48 +348,6 @@ TEST_F(Panel, MayBeReplacedWhileTheUserBrowses) {
         Choose(dialog, L"chosen.xsl");
     });
     EXPECT_EQ(Read(kClose), L"-xsltfile=\"new\" -ext=\"\"");
-}
-
-/// What the process holds. Wine counts neither handles nor objects, so the highest values that fresh ones get
-/// stand in for their numbers: freed values are used again first. GDI objects, windows, handles; bytes.
-std::array<uintptr_t, 4> CurrentUse() {
-    PROCESS_MEMORY_COUNTERS memory = {};
-    GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
-    std::array<uintptr_t, 4> use = {0, 0, 0, memory.PagefileUsage};
-    const LOGFONTW shape = {};
-    std::vector<OwnedFont> fonts;
-    std::vector<OwnedWindow> windows;
-    std::vector<OwnedHandle> events;
-    for (int i = 0; i < 100; ++i) {
-        fonts.emplace_back(CreateFontIndirectW(&shape));
-        windows.emplace_back(
-            CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr));
-        events.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr));
-        use[0] = std::max<uintptr_t>(use[0], LOWORD(fonts.back().Get()));
-        use[1] = std::max<uintptr_t>(use[1], LOWORD(windows.back().Get()));
-        use[2] = std::max(use[2], reinterpret_cast<uintptr_t>(events.back().Get()));
-    }
-    return use;
-}
-
-TEST_F(Panel, LeavesNothingBehind) {
-    const auto useAfter = [this](int rounds) {
-        for (int i = 0; i < rounds; ++i) {
-            UpdateWindow(Show(L"-xsltfile=C:\\x.xsl -ext=.htm"));
-            Read(kClose);
-            PumpMessages();
-        }
-        return CurrentUse();
-    };
-    // As on a host's thread; else the system loads its accessibility library anew for each panel.
-    CoInitialize(nullptr);
-    const auto before = useAfter(20);
-    const auto after = useAfter(500);
-    constexpr uintptr_t kTolerance[] = {50, 50 * 2, 50 * 4, 200 * 1024}; // values come in steps
-    for (size_t i = 0; i < before.size(); ++i) {
-        EXPECT_LE(after[i], before[i] + kTolerance[i]) << i;
-    }
-    CoUninitialize();
 }
 
 } // namespace

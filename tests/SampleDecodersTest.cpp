@@ -148,38 +148,18 @@ TEST(SampleDecoders, TellWhatTheFileHolds) {
          L"3 0 1 22050 32 4 88200 706 2\nEncoding=IEEE Float | Sample Count=48"},
         {kWav, "extensible", Wave(Format(0xFFFE, 2, 48000, 24, Extension(22)) + Chunk("data", Zeros(288))),
          L"65534 22 2 48000 24 6 288000 2304 1\nEncoding=PCM | Sample Count=48 | Channels Mask=0x00000003"},
-        {kWav, "short extension", Wave(Format(0xFFFE, 1, 8000, 8, Little(22, 5)) + Zeros(1)),
-         L"65534 3 1 8000 8 1 8000 64 0\nEncoding=0xfffe"},
-        {kWav, "extension that does not count", Wave(Format(0xFFFE, 1, 8000, 8, Extension(0))),
-         L"65534 0 1 8000 8 1 8000 64 0\nEncoding=0xfffe"},
-        {kWav, "no byte rate", Wave(Format(0x55, 0, 0, 0) + Chunk("data", Zeros(8))),
-         L"85 0 0 0 0 0 0 0 0\nEncoding=MPEG Layer 3"},
         {kWav, "odd chunk, second format and data",
          Wave(Chunk("odd ", "odd") + mono + data + Format(1, 2, 1, 8) + Chunk("data", "x")), waveFacts},
-        {kWav, "data past the end", Wave(mono + "data" + Little(1000) + Zeros(160)), waveFacts},
-        {kWav, "data of unknown size", Wave(mono + "data" + Little(0xFFFFFFFF) + Zeros(160)), waveFacts},
         {kWav, "sizes not filled in", "RIFF" + Little(36) + "WAVE" + mono + Chunk("data", {}) + Zeros(160),
          waveFacts},
-        {kWav, "no data indeed", Wave(mono + Chunk("data", {}) + Chunk("junk", "chunk")),
-         L"1 0 1 8000 16 2 16000 128 0\nEncoding=PCM | Sample Count=0"},
         {kWav, "short format of hostile size", Wave("fmt " + Little(0xFFFFFFF0) + Zeros(12)), L"no"},
-        {kWav, "other RIFF", "RIFF" + Little(28) + "AVI " + mono, L"no"},
         {kWav, "tags", Wave(mono + Chunk("LIST", "INFO" + infoTags) + data),
          waveFacts + L"\nTitle=ab | Genre=Grüß | Artist=A\rB | Comment= | IXYZ=" + ansi +
              L" | Engineer=cut!"},
-        {kFlac, "vendor past its block", Flac(Block(4, Little(0xFFFFFFFF) + "maker")), flacInfo + audio},
         {kFlac, "length unknown, largest rate", "fLaC" + StreamInfo(655350, 8, 32, 0, 0xAB),
          L"1 0 8 655350 32 32 20971200 0 0\nEncoding=FLAC | " + sizes + L" | MD5=" + std::wstring(30, L'0') +
              L"ab"},
-        {kFlac, "36 bits of samples", "fLaC" + StreamInfo(1, 1, 8, 0xFFFFFFFFF),
-         L"1 0 1 1 8 1 1 0 68719476735000\nEncoding=FLAC | Sample Count=68719476735 | "
-         L"Compression Ratio=0.0% | " +
-             sizes},
-        {kFlac, "no sample rate", "fLaC" + StreamInfo(0, 1, 8, 0),
-         L"1 0 1 0 8 1 0 0 0\nEncoding=FLAC | " + sizes},
         {kFlac, "info too short", "fLaC" + Block(0, Zeros(33)) + Zeros(100), L"no"},
-        {kFlac, "info not first", "fLaC" + Block(4, Zeros(34)) + StreamInfo(8000, 1, 8, 1), L"no"},
-        {kFlac, "other file", "OggS" + StreamInfo(8000, 1, 8, 1), L"no"},
         {kFlac, "the first comments alone",
          Flac(Comments({"Artist=A", "TITLE=Gr\xC3\xBC\xC3\x9F", "ARTIST=B=C", "artist=", "nothing", "=value",
                         "a=b" + Zeros(1) + "c", ""}) +
@@ -187,9 +167,6 @@ TEST(SampleDecoders, TellWhatTheFileHolds) {
          flacFacts + L"Artist=A\rB=C\r | TITLE=Grüß | a=b"},
         {kFlac, "comment past its block",
          Flac(Block(4, Little(7) + "maker 1" + Little(9) + Little(3) + "a=1" + Little(0x7FFFFFFF) + "b=2")),
-         flacFacts + L"a=1"},
-        {kFlac, "comment that is not counted",
-         Flac(Block(4, Little(7) + "maker 1" + Little(1) + Little(3) + "a=1" + Little(3) + "b=2")),
          flacFacts + L"a=1"},
         {kFlac, "pictures, also empty, past the block, far apart",
          Flac(Comments({}) + Picture("image/png", "Front", 3, "xyz") + Picture("m", "", 0, "") +
@@ -199,24 +176,6 @@ TEST(SampleDecoders, TellWhatTheFileHolds) {
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Read(Library(row.library), row.content), row.expected) << row.label;
-    }
-}
-
-TEST(SampleDecoders, CutFilesGiveWhatCouldBeRead) {
-    const std::string tags = "INFO" + Chunk("IART", "A") + Chunk("IART", "B\xC3\xBC");
-    const std::pair<const wchar_t*, std::string> rows[] = {
-        {kWav, Wave(Format(0xFFFE, 2, 48000, 16, Extension(22)) + Chunk("LIST", tags) + Chunk("data", tags))},
-        {kFlac, Flac(Comments({"A=1", "a=2", "B=\xC3\xBC"}) + Picture("image/png", "x", 4, "data"))},
-    };
-    for (const auto& [path, content] : rows) {
-        const Library library(path);
-        bool opened = false;
-        for (size_t size = 0; size <= content.size(); ++size) {
-            const bool opens = Read(library, content.substr(0, size)) != L"no";
-            EXPECT_TRUE(opens || !opened) << "more of the file gives less: " << size;
-            opened = opens;
-        }
-        EXPECT_TRUE(opened);
     }
 }
 

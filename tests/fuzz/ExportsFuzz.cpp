@@ -4,10 +4,9 @@
 //
 // Every round has a seed of its own; with FUZZ_SEED=n in the environment, that round runs alone.
 
+#include "tests/CallStubs.h"
 #include "tests/PluginHarness.h"
 #include "tests/fuzz/PlainDocument.h"
-
-#include <imagehlp.h>
 
 #include <cstdlib>
 #include <map>
@@ -103,16 +102,13 @@ private:
         static_cast<uint8_t*>(VirtualAlloc(nullptr, 2 * kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
 };
 
-/// The system as the library sees it.
-struct System {
-    static inline const HANDLE errors = reinterpret_cast<HANDLE>(INT64_C(0x1001));
-    static inline const HANDLE trace = reinterpret_cast<HANDLE>(INT64_C(0x1002));
-    static inline const HANDLE output = reinterpret_cast<HANDLE>(INT64_C(0x1003));
+/// The files as the library sees them: what it writes.
+struct Files {
+    static inline const HANDLE output = reinterpret_cast<HANDLE>(INT64_C(0x7FFF0000));
     static inline std::wstring outputPath;
     static inline std::map<HANDLE, std::string> written;
 
-    static HANDLE WINAPI Create(const wchar_t* path, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD,
-                                HANDLE) {
+    static HANDLE WINAPI Create(const wchar_t* path) {
         outputPath = path;
         written[output].clear();
         return output;
@@ -122,61 +118,12 @@ struct System {
         *count = size;
         return TRUE;
     }
-    static BOOL WINAPI Close(HANDLE handle) { return handle == output || CloseHandle(handle); }
-    static HANDLE WINAPI Find(const wchar_t*, WIN32_FIND_DATAW*) { return INVALID_HANDLE_VALUE; }
-    static UINT WINAPI DriveType(const wchar_t*) { return DRIVE_NO_ROOT_DIR; }
-    static DWORD WINAPI Wait(HANDLE, DWORD) { return WAIT_OBJECT_0; }
-    static BOOL WINAPI Release(HANDLE) { return TRUE; }
-
-    /// Takes the places of the real functions among those that a library imports.
-    static void Serve(HMODULE library) {
-        const std::map<void*, void*> instead = {
-            Pair(CreateFileW, Create),  Pair(WriteFile, Write),         Pair(CloseHandle, Close),
-            Pair(FindFirstFileW, Find), Pair(GetDriveTypeW, DriveType), Pair(WaitForSingleObject, Wait),
-            Pair(ReleaseMutex, Release)};
-        ULONG size = 0;
-        auto* place =
-            static_cast<void**>(ImageDirectoryEntryToData(library, TRUE, IMAGE_DIRECTORY_ENTRY_IAT, &size));
-        DWORD old = 0;
-        VirtualProtect(place, size, PAGE_READWRITE, &old);
-        for (auto* const end = place + size / sizeof *place; place != end; ++place) {
-            const auto found = instead.find(*place);
-            *place = found != instead.end() ? found->second : *place;
-        }
-    }
-
-private:
-    template<class Function>
-    static std::pair<void*, void*> Pair(Function* real, Function* standIn) {
-        return {reinterpret_cast<void*>(real), reinterpret_cast<void*>(standIn)};
-    }
 };
 
-bool TraceEndsWith(const std::wstring& end) {
-    const std::string& trace = System::written[System::trace];
-    return trace.ends_with(std::string(reinterpret_cast<const char*>(end.data()), 2 * end.size()));
+template<int64_t kAnswer>
+int64_t Answer() {
+    return kAnswer;
 }
-
-/// A list as a record tells it, and what is to be read of it.
-struct HeldList {
-    HeldList(Random& random, Handed& held) : isRead(!random.OneIn(20)) {
-        const std::vector<uint8_t> bytes = random.List();
-        data = held.Hold(bytes.data(), bytes.size());
-        size = static_cast<uint32_t>(bytes.size());
-        if (isRead) {
-            entries = ReadPlainly(bytes.data(), size);
-        } else if (random.OneIn(2)) {
-            data = nullptr;
-        } else {
-            size |= 0x80000000;
-        }
-    }
-
-    const bool isRead;
-    const uint8_t* data;
-    uint32_t size;
-    PlainList entries;
-};
 
 /// The texts of a file that does not exist.
 void Split(PlainFile& file, const std::wstring& path) {
@@ -192,34 +139,38 @@ void Split(PlainFile& file, const std::wstring& path) {
 class Plugin {
 public:
     Plugin() {
-        System::Serve(m_library.Module());
-        m_instance =
-            CALL_PLUGIN(DSP_Create, m_record.Hold(CreateRecord{System::errors, nullptr, System::trace}));
+        m_stubs.AddImports(GetModuleHandleW(L"WriteMetadataFile.dll"));
+        const auto answer = [this](const char* name, auto* function) {
+            m_stubs[name].target = reinterpret_cast<void*>(function);
+        };
+        answer("CreateFileW", Files::Create);
+        answer("WriteFile", Files::Write);
+        answer("FindFirstFileW", Answer<-1>);
+        answer("GetDriveTypeW", Answer<DRIVE_NO_ROOT_DIR>);
+        answer("WaitForSingleObject", Answer<WAIT_OBJECT_0>);
+        answer("ReleaseMutex", Answer<TRUE>);
     }
-    ~Plugin() { EXPECT_EQ(CALL_PLUGIN(DSP_Destroy, m_instance), 1); }
 
     void CheckKeys(Random& random) {
+        auto* const instance = m_plugin.Instance();
         const std::wstring key = random.OneIn(8) ? L"IsLive" : random.Text();
-        EXPECT_EQ(CALL_PLUGIN(DSP_Get, m_instance, m_text.Hold(key)), key == L"IsLive");
+        EXPECT_EQ(CALL_PLUGIN(DSP_Get, instance, m_text.Hold(key)), key == L"IsLive");
         EXPECT_TRUE(TraceEndsWith(key + L"  [clDSP_WriteMetadataFile::Get]\r\n"));
-        EXPECT_EQ(CALL_PLUGIN(DSP_Set, m_instance, m_text.Hold(key)), 0);
+        EXPECT_EQ(CALL_PLUGIN(DSP_Set, instance, m_text.Hold(key)), 0);
         EXPECT_TRUE(TraceEndsWith(key + L"  [clDSP_WriteMetadataFile::Set]\r\n"));
-        EXPECT_EQ(CALL_PLUGIN(DSP_PassAudioBlock, m_instance), 1);
-        EXPECT_STREQ(CALL_PLUGIN(DSP_RemoveConfigBit, m_instance, -123), L"-xsltfile=\"\" -ext=\"\"");
+        EXPECT_EQ(CALL_PLUGIN(DSP_PassAudioBlock, instance), 1);
+        EXPECT_STREQ(CALL_PLUGIN(DSP_RemoveConfigBit, instance, -123), L"-xsltfile=\"\" -ext=\"\"");
     }
 
     void CheckConversion(Random& random) {
         std::wstring ext = random.Text();
         std::erase(ext, L'"');
         m_ext = ext.empty() ? m_ext : ext; // an empty one leaves the earlier
-        const std::wstring settings = L"-ext=\"" + ext + L"\"" + random.Text();
-        EXPECT_EQ(CALL_PLUGIN(DSP_BeginConversion, m_instance, nullptr, m_text.Hold(settings), nullptr), 1);
-        EXPECT_EQ(CALL_PLUGIN(DSP_EndConversion, m_instance), 1);
 
         AfterConversionInfo info = {};
         PlainFile source, converted;
         const std::wstring sourceName = random.OneIn(2) ? L"-" : random.Text();
-        info.sourceFileName = m_text.Hold(sourceName);
+        info.sourceFileName = m_sourceName.Hold(sourceName);
         if (sourceName != L"-") {
             Split(source, sourceName);
         }
@@ -231,33 +182,49 @@ public:
             std::memcpy(&source.info, bytes.data(), bytes.size());
             source.info.format.wFormatTag = static_cast<uint16_t>(random.OneIn(2) ? 1 : 85);
             info.sourceAudioInfo = m_audioInfo.Hold(source.info);
+            ++handed;
         }
-        const HeldList tags(random, m_tags);
-        info.destIDTags = tags.data;
-        info.destIDTagsSize = tags.size;
-        converted.idTags = tags.entries;
-        const HeldList properties(random, m_properties);
-        info.sourceAudioProperties = properties.data;
-        info.sourceAudioPropertiesSize = properties.size;
-        source.properties = properties.entries;
+        HoldList(random, m_tags, info.destIDTags, info.destIDTagsSize, converted.idTags);
+        HoldList(random, m_properties, info.sourceAudioProperties, info.sourceAudioPropertiesSize,
+                 source.properties);
+        ++handed;
 
-        System::written.clear();
-        EXPECT_EQ(CALL_PLUGIN(DSP_AfterConversion, m_instance, m_record.Hold(info)), 1);
+        Files::written.clear();
+        m_plugin.Convert(m_text.Hold(L"-ext=\"" + ext + L"\"" + random.Text()), *m_record.Hold(info));
         EXPECT_TRUE(TraceEndsWith(L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]\r\n"));
         if (converted.ext == L"._" || converted.ext == L".iGnore") {
-            EXPECT_EQ(System::written.count(System::output), 0u);
+            EXPECT_EQ(Files::written.count(Files::output), 0u);
         } else {
-            EXPECT_EQ(System::outputPath, converted.path + converted.nameNoExt + m_ext);
-            EXPECT_EQ(System::written[System::output], PlainUtf8(PlainDocument(source, converted, L"\r\n")));
-            handed += 1u + (info.sourceAudioInfo != nullptr) + tags.isRead + properties.isRead;
+            EXPECT_EQ(Files::outputPath, converted.path + converted.nameNoExt + m_ext);
+            EXPECT_EQ(Files::written[Files::output], PlainUtf8(PlainDocument(source, converted, L"\r\n")));
         }
     }
 
 private:
-    LoadedPlugin m_library;
-    clDSP_WriteMetadataFile* m_instance;
+    /// A list, now and then a broken one, as a record tells it and what is to be read of it.
+    static void HoldList(Random& random, Handed& held, const void*& data, uint32_t& size, PlainList& list) {
+        const std::vector<uint8_t> bytes = random.List();
+        data = held.Hold(bytes.data(), bytes.size());
+        size = static_cast<uint32_t>(bytes.size());
+        if (!random.OneIn(20)) {
+            list = ReadPlainly(bytes.data(), size);
+            ++handed;
+        } else if (random.OneIn(2)) {
+            data = nullptr;
+        } else {
+            size |= 0x80000000;
+        }
+    }
+
+    bool TraceEndsWith(const std::wstring& end) const {
+        const std::string& trace = Files::written[m_plugin.TraceHandle()];
+        return trace.ends_with(std::string(reinterpret_cast<const char*>(end.data()), 2 * end.size()));
+    }
+
+    CallStubs m_stubs; // goes after the library that calls through them
+    PluginInstance m_plugin;
     std::wstring m_ext = L".xml";
-    Handed m_text, m_convertedName, m_audioInfo, m_record, m_tags, m_properties;
+    Handed m_text, m_sourceName, m_convertedName, m_audioInfo, m_record, m_tags, m_properties;
 };
 
 TEST(Exports, AnswerAnythingAsThePlainestCodeDoes) {

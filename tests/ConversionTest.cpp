@@ -121,19 +121,6 @@ TEST_F(ConversionTest, ALibraryNeedsAllNineExports) {
     }
 }
 
-TEST_F(ConversionTest, ADiscHasNoSourceFile) {
-    source = L"-";
-    Convert();
-    const std::string written = ReadBytes(document);
-    EXPECT_EQ(Count(written, "></File"), 7u) << "names and times";
-    EXPECT_EQ(Count(written, "<FileBitrate>-7</FileBitrate>"), 1u);
-    EXPECT_EQ(Count(written, "\t\t<IDTags>\r\n\t\t</IDTags>\r\n"), 1u);
-    EXPECT_EQ(plugin.Errors(), L"");
-    source = L"-x.tst"; // any other name is a file's
-    Convert();
-    EXPECT_EQ(Count(ReadBytes(document), "<FileName>-x.tst</FileName>"), 1u);
-}
-
 TEST_F(ConversionTest, SettingsDecideTheOutputPath) {
     const std::pair<std::wstring, std::wstring> rows[] = {
         {L"", L"out.c.xml"},
@@ -183,27 +170,6 @@ TEST_F(ConversionTest, RefusesTwoKindsOfConvertedFiles) {
     }
 }
 
-TEST_F(ConversionTest, OutputThatCannotBeOpenedIsPassedOverInSilence) {
-    CreateDirectoryW(document.c_str(), nullptr);
-    const std::wstring trace = Convert();
-    EXPECT_EQ(plugin.Errors(), L"");
-    EXPECT_TRUE(trace.ends_with(L"  <-<-  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n"
-                                L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]\r\n"));
-}
-
-TEST_F(ConversionTest, HostListsMayBeMissingOrBroken) {
-    AfterConversionInfo info = Info();
-    info.sourceAudioInfo = nullptr;
-    info.destIDTags = nullptr;
-    library.idTags = TagBlob().Add(L"Cover", L"image/png", {1, 2}).Bytes();
-    info.sourceAudioPropertiesSize = 0x80000000u; // read as a negative size
-    plugin.Convert(L"", info);
-    const std::string written = ReadBytes(document);
-    EXPECT_EQ(Count(written, "name=\"Sample Rate\""), 0u);
-    EXPECT_EQ(Count(written, "\t\t<FileSize>0</FileSize>\r\n"), 1u);
-    EXPECT_EQ(Count(written, "\t\t<IDTags>\r\n\t\t</IDTags>\r\n"), 2u);
-}
-
 TEST_F(ConversionTest, FilesThatCannotBeOpenedHaveTheZeroTime) {
     const OwnedFile locked(CreateFileW(source.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -229,18 +195,22 @@ TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
         std::wstring stored;
         DWORD type;
         std::wstring expected;
+        DWORD bytesLess = 0;
     } rows[] = {
         {"missing library", L"X:\\old\\gone.dll", REG_SZ, a},
         {"only the name of a cached path counts", L"X:\\old\\lib.dll", REG_SZ, lib},
-        {"expandable text", L"lib.dll", REG_EXPAND_SZ, lib},
-        {"without terminator, odd", std::wstring(L"lib.dll", 7), REG_SZ, lib},
+        {"expandable text, without terminator", L"lib.dll", REG_EXPAND_SZ, lib},
+        {"without half of its last unit", L"lib.dll", REG_SZ, lib, 1},
+        {"one byte", L"l", REG_SZ, a, 1},
         {"no text", L"lib.dll", REG_BINARY, a},
-        {"empty", L"", REG_SZ, a},
+        {"number", L"12", REG_DWORD, a},
+        {"folder only", L"\\", REG_SZ, a},
+        {"far too long", std::wstring(400'000, L'x'), REG_SZ, a},
         {"library of other files", L"z.dll", REG_SZ, a},
     };
     Convert(); // makes the key
     for (const auto& row : rows) {
-        Decoders::Store(L".OUT", row.stored, row.type);
+        Decoders::Store(L".OUT", row.stored, row.type, row.bytesLess);
         Convert();
         EXPECT_EQ(Decoders::Cached(L".OUT"), row.expected) << row.label;
         EXPECT_EQ(plugin.Errors(), L"") << row.label;

@@ -63,9 +63,9 @@ public:
         return text;
     }
 
-    static void Store(const wchar_t* extension, const std::wstring& bytes, DWORD type = REG_SZ) {
-        EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, kCacheKey, extension, type, bytes.data(),
-                                  static_cast<DWORD>(bytes.size() * sizeof(wchar_t))),
+    static void Store(const wchar_t* extension, const std::wstring& value, DWORD type, DWORD bytesLess) {
+        EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, kCacheKey, extension, type, value.data(),
+                                  static_cast<DWORD>(value.size() * sizeof(wchar_t)) - bytesLess),
                   ERROR_SUCCESS);
     }
 

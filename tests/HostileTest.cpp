@@ -141,32 +141,6 @@ TEST_F(Hostile, ASourceMayGoBetweenTwoReadings) {
     EXPECT_TRUE(IsWhole(document));
 }
 
-TEST_F(Hostile, TheCacheMayHoldAnything) {
-    const std::wstring huge(400'000, L'x');
-    const struct {
-        const char* label;
-        DWORD type;
-        std::string bytes;
-    } rows[] = {
-        {"odd size", REG_SZ, std::string("l\0i\0b\0.\0d\0l\0l\0?", 15)},
-        {"one byte", REG_SZ, "l"},
-        {"number", REG_DWORD, "1234"},
-        {"several texts", REG_MULTI_SZ, std::string("l\0i\0b\0\0\0x\0\0\0\0\0", 14)},
-        {"folder only", REG_SZ, std::string("\\\0\0\0", 4)},
-        {"far too long", REG_SZ, std::string(reinterpret_cast<const char*>(huge.data()), huge.size() * 2)},
-    };
-    for (const auto& row : rows) {
-        Errors(); // makes the key
-        ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, Decoders::kCacheKey, L".OUT", row.type, row.bytes.data(),
-                                  static_cast<DWORD>(row.bytes.size())),
-                  ERROR_SUCCESS)
-            << row.label;
-        EXPECT_EQ(Errors(), L"") << row.label;
-        EXPECT_TRUE(IsWhole(document)) << row.label;
-        EXPECT_EQ(Decoders::Cached(L".OUT"), Decoders::PathOf(L"lib.dll")) << row.label;
-    }
-}
-
 TEST_F(Hostile, TheDecoderFolderMayHoldAnything) {
     const std::string image = ReadBytes(Decoders::PathOf(L"lib.dll"));
     std::string unresolved = image;

@@ -150,32 +150,6 @@ TEST(Utf16View, FindsTheFirstUnitAtAnyAddress) {
     }
 }
 
-std::string Utf8(const std::wstring& text) {
-    FileInMemory file;
-    Utf8Writer out(file);
-    for (const wchar_t unit : text) {
-        out.AppendUnit(unit);
-    }
-    out.Flush();
-    return file.bytes;
-}
-
-TEST(Utf8Writer, RendersEveryPlaneAndRepairsLoneSurrogates) {
-    const std::pair<const wchar_t*, const char*> rows[] = {
-        {L"", ""},
-        {L"a\x007F\x0080\x07FF\x0800\xFFFF", "a\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
-        {L"\xD7FF\xE000", "\xED\x9F\xBF\xEE\x80\x80"},
-        {L"\xD800\xDC00\xDBFF\xDFFF", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
-        {L"\xD83Dx\xDE00", "\xEF\xBF\xBDx\xEF\xBF\xBD"},
-        {L"\xD83D\xD83D\xDE00", "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
-        {L"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"},
-        {L"\xFFFD\xDE00", "\xEF\xBF\xBD\xEF\xBF\xBD"},
-    };
-    for (const auto& [text, expected] : rows) {
-        EXPECT_EQ(Utf8(text), expected);
-    }
-}
-
 TEST(Utf8Writer, LosesNothingBetweenItsPieces) {
     constexpr size_t kPiece = 64 * 1024;
     for (size_t ahead = kPiece - 8; ahead < kPiece + 4; ++ahead) {

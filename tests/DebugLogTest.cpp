@@ -2,6 +2,8 @@
 
 #include "tests/Files.h"
 
+#include <thread>
+
 namespace {
 
 struct LogFile {
@@ -35,6 +37,31 @@ TEST(DebugLog, IndentsTheTraceAndTellsErrorsAfterIt) {
                                    L"  <-<-less  []\r\n"
                                    L"  <-< -\r\n"
                                    L"<-<-  [A]\r\n");
+}
+
+TEST(DebugLog, ThreadsShareOneDepthAndNeverMixLines) {
+    const LogFile log;
+    std::vector<std::thread> threads(4);
+    for (std::thread& thread : threads) {
+        thread = std::thread([&log] {
+            for (int i = 0; i < 1000; ++i) {
+                Log(kEnter, log.record, L"scope");
+                Log(kLeave, log.record, L"scope");
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const std::vector<std::wstring> lines = Lines(ReadUtf16(log.path));
+    size_t depth = 0;
+    for (const std::wstring& line : lines) {
+        const bool leaves = line.ends_with(L"<-<-  [scope]");
+        depth -= leaves ? 2 : 0;
+        ASSERT_EQ(line, std::wstring(depth, L' ') + (leaves ? L"<-<-" : L"->->") + L"  [scope]");
+        depth += leaves ? 0 : 2;
+    }
+    EXPECT_EQ(lines.size(), 8000u);
 }
 
 } // namespace

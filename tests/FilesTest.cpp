@@ -12,29 +12,8 @@ XString Text(const std::wstring& text) {
     return XString(text.c_str());
 }
 
-TEST(XFile, ReplacesWritesAndFailsInSilence) {
-    const TempFolder folder;
-    const std::wstring path = folder.Path(L"out.txt");
-    WriteTestFile(path, "something longer than what follows");
-    XFile file;
-    ASSERT_TRUE(file.Open(Text(path), GENERIC_WRITE, CREATE_ALWAYS));
-    EXPECT_TRUE(file.Write("abc", 3) && file.Write(nullptr, 0) && file.Write("de", 2));
-    EXPECT_FALSE(file.Write(nullptr, 5));
-    EXPECT_EQ(ReadBytes(path), "abcde") << "readable by others while it is open";
-    file.Close();
-    EXPECT_FALSE(file.Write("x", 1)) << "nothing is open";
-
-    ASSERT_TRUE(file.Open(Text(path), GENERIC_READ, OPEN_EXISTING));
-    EXPECT_FALSE(file.Write("x", 1)) << "opened for reading";
-    EXPECT_FALSE(file.Open(Text(folder.Path(L"no\\such\\folder")), GENERIC_WRITE, CREATE_ALWAYS));
-    EXPECT_FALSE(file.IsOpen()) << "a failed open closes what was open before";
-    ASSERT_TRUE(file.Open(Text(path), GENERIC_READ, OPEN_EXISTING));
-    EXPECT_FALSE(file.Open(XString(), GENERIC_WRITE, CREATE_ALWAYS));
-}
-
 TEST(XFile, LongPathsAreTakenLiterally) {
-    // Only with the prefix of long paths does the system leave "." as it is, and finds no folder of that
-    // name.
+    // Only with the prefix of long paths does the system leave "." as it is, and find no folder of that name.
     const TempFolder folder;
     const auto path = [&folder](size_t size) {
         const std::wstring begin = folder.Path(L".\\");

@@ -7,10 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -133,21 +131,6 @@ TEST(XStringList, GrowsByDoublingSteps) {
     list.Clear();
     EXPECT_EQ(list.Count(), 0u);
     EXPECT_EQ(list.Capacity(), 16u);
-}
-
-TEST(Utf16View, FindsTheFirstUnitAtAnyAddress) {
-    const std::wstring text = L"abcdefghij\x0061\x6100\x0100";
-    for (const size_t shift : {0u, 1u}) {
-        std::vector<uint8_t> bytes(shift + text.size() * 2);
-        std::memcpy(bytes.data() + shift, text.data(), text.size() * 2);
-        const Utf16View view(bytes.data() + shift, text.size());
-        for (const wchar_t unit : text) {
-            EXPECT_EQ(view.Find(unit), text.find(unit));
-        }
-        EXPECT_EQ(view.Find(0), text.size()) << "two halves of units are none";
-        EXPECT_EQ(view.First(3).Find(L'd'), 3u);
-        EXPECT_EQ(view.After(10)[0], L'a');
-    }
 }
 
 TEST(Utf8Writer, LosesNothingBetweenItsPieces) {

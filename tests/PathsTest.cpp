@@ -1,14 +1,12 @@
 #include "support/Paths.h"
 
+#include "tests/Wide.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 
 namespace {
-
-std::wstring Wide(const XString& text) {
-    return text.Text();
-}
 
 TEST(Paths, SplitAtBackslashesAndLastDots) {
     const struct {

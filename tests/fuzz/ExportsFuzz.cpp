@@ -104,6 +104,7 @@ private:
 
 /// The files as the library sees them: what it writes.
 struct Files {
+    static inline const HANDLE trace = reinterpret_cast<HANDLE>(INT64_C(0x7FFE0000));
     static inline const HANDLE output = reinterpret_cast<HANDLE>(INT64_C(0x7FFF0000));
     static inline std::wstring outputPath;
     static inline std::map<HANDLE, std::string> written;
@@ -149,28 +150,32 @@ public:
         answer("GetDriveTypeW", Answer<DRIVE_NO_ROOT_DIR>);
         answer("WaitForSingleObject", Answer<WAIT_OBJECT_0>);
         answer("ReleaseMutex", Answer<TRUE>);
+        m_instance = CALL_PLUGIN(DSP_Create, m_record.Hold(CreateRecord{nullptr, nullptr, Files::trace}));
     }
+    ~Plugin() { EXPECT_EQ(CALL_PLUGIN(DSP_Destroy, m_instance), 1); }
 
     void CheckKeys(Random& random) {
-        auto* const instance = m_plugin.Instance();
         const std::wstring key = random.OneIn(8) ? L"IsLive" : random.Text();
-        EXPECT_EQ(CALL_PLUGIN(DSP_Get, instance, m_text.Hold(key)), key == L"IsLive");
+        EXPECT_EQ(CALL_PLUGIN(DSP_Get, m_instance, m_text.Hold(key)), key == L"IsLive");
         EXPECT_TRUE(TraceEndsWith(key + L"  [clDSP_WriteMetadataFile::Get]\r\n"));
-        EXPECT_EQ(CALL_PLUGIN(DSP_Set, instance, m_text.Hold(key)), 0);
+        EXPECT_EQ(CALL_PLUGIN(DSP_Set, m_instance, m_text.Hold(key)), 0);
         EXPECT_TRUE(TraceEndsWith(key + L"  [clDSP_WriteMetadataFile::Set]\r\n"));
-        EXPECT_EQ(CALL_PLUGIN(DSP_PassAudioBlock, instance), 1);
-        EXPECT_STREQ(CALL_PLUGIN(DSP_RemoveConfigBit, instance, -123), L"-xsltfile=\"\" -ext=\"\"");
+        EXPECT_EQ(CALL_PLUGIN(DSP_PassAudioBlock, m_instance), 1);
+        EXPECT_STREQ(CALL_PLUGIN(DSP_RemoveConfigBit, m_instance, -123), L"-xsltfile=\"\" -ext=\"\"");
     }
 
     void CheckConversion(Random& random) {
         std::wstring ext = random.Text();
         std::erase(ext, L'"');
         m_ext = ext.empty() ? m_ext : ext; // an empty one leaves the earlier
+        const std::wstring settings = L"-ext=\"" + ext + L"\"" + random.Text();
+        EXPECT_EQ(CALL_PLUGIN(DSP_BeginConversion, m_instance, nullptr, m_text.Hold(settings), nullptr), 1);
+        EXPECT_EQ(CALL_PLUGIN(DSP_EndConversion, m_instance), 1);
 
         AfterConversionInfo info = {};
         PlainFile source, converted;
         const std::wstring sourceName = random.OneIn(2) ? L"-" : random.Text();
-        info.sourceFileName = m_sourceName.Hold(sourceName);
+        info.sourceFileName = m_text.Hold(sourceName);
         if (sourceName != L"-") {
             Split(source, sourceName);
         }
@@ -190,7 +195,7 @@ public:
         ++handed;
 
         Files::written.clear();
-        m_plugin.Convert(m_text.Hold(L"-ext=\"" + ext + L"\"" + random.Text()), *m_record.Hold(info));
+        EXPECT_EQ(CALL_PLUGIN(DSP_AfterConversion, m_instance, m_record.Hold(info)), 1);
         EXPECT_TRUE(TraceEndsWith(L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]\r\n"));
         if (converted.ext == L"._" || converted.ext == L".iGnore") {
             EXPECT_EQ(Files::written.count(Files::output), 0u);
@@ -216,15 +221,16 @@ private:
         }
     }
 
-    bool TraceEndsWith(const std::wstring& end) const {
-        const std::string& trace = Files::written[m_plugin.TraceHandle()];
+    static bool TraceEndsWith(const std::wstring& end) {
+        const std::string& trace = Files::written[Files::trace];
         return trace.ends_with(std::string(reinterpret_cast<const char*>(end.data()), 2 * end.size()));
     }
 
     CallStubs m_stubs; // goes after the library that calls through them
-    PluginInstance m_plugin;
+    LoadedPlugin m_library;
+    clDSP_WriteMetadataFile* m_instance;
     std::wstring m_ext = L".xml";
-    Handed m_text, m_sourceName, m_convertedName, m_audioInfo, m_record, m_tags, m_properties;
+    Handed m_text, m_convertedName, m_audioInfo, m_record, m_tags, m_properties;
 };
 
 TEST(Exports, AnswerAnythingAsThePlainestCodeDoes) {

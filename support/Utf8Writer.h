@@ -16,6 +16,9 @@
 template<class File>
 class Utf8Writer {
 public:
+    /// Bytes: few writes for a large document, and within a processor's second cache.
+    static constexpr size_t kPieceSize = 262144;
+
     explicit Utf8Writer(File& file) : m_file(file), m_piece(new char[kPieceSize]) {}
 
     /// `ascii` must be shorter than a piece.
@@ -116,7 +119,6 @@ public:
     }
 
 private:
-    static constexpr size_t kPieceSize = 65536;
     static constexpr size_t kMostBytes = 4; // of one character
     static constexpr size_t kNone = kPieceSize + 1;
     static constexpr uint32_t kSurrogateMask = 0xFC00;

@@ -124,7 +124,7 @@ TEST(XStringList, GrowsByDoublingSteps) {
 }
 
 TEST(Utf8Writer, LosesNothingBetweenItsPieces) {
-    constexpr size_t kPiece = 64 * 1024;
+    constexpr size_t kPiece = Utf8Writer<FileInMemory>::kPieceSize;
     for (size_t ahead = kPiece - 8; ahead < kPiece + 4; ++ahead) {
         const std::wstring units(ahead, L'x');
         FileInMemory file;

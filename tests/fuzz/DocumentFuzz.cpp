@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     facts.info = plain.info;
     facts.idTags = facts.properties = ParseTagBlob(data, static_cast<int32_t>(size));
 
-    static const std::string xs(0xFFFF, 'x');
+    static const std::string xs(Utf8Writer<FileInMemory>::kPieceSize - 1, 'x');
     const std::string_view held =
         std::string_view(xs).substr(ahead % 4096); // a piece ends within the document
     FileInMemory file;

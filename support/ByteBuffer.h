@@ -19,7 +19,6 @@ public:
     void Assign(const void* data, uint32_t size);
 
     uint32_t Size() const noexcept { return m_size; }
-    bool IsEmpty() const noexcept { return m_size == 0; }
 
     /// Null while the size is 0.
     const uint8_t* Data() const noexcept { return m_bytes.get(); }

@@ -26,9 +26,6 @@ public:
     /// `index` counts from 0 and must be below Count().
     const XString& operator[](size_t index) const noexcept { return m_items[index]; }
 
-    auto begin() const noexcept { return m_items.begin(); }
-    auto end() const noexcept { return m_items.end(); }
-
 private:
     static constexpr size_t kFirstCapacity = 16;
     static constexpr size_t kFirstStep = 32;

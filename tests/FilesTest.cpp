@@ -28,6 +28,16 @@ TEST(XFile, LongPathsAreTakenLiterally) {
     EXPECT_TRUE(isMade(kScanPathLimit) && !FileExists(path(kScanPathLimit)));
 }
 
+TEST(XFile, ClosesWhatWasOpenBeforeItFails) {
+    const TempFolder folder;
+    XFile file;
+    EXPECT_TRUE(file.Open(Text(folder.Path(L"a")), GENERIC_WRITE, CREATE_ALWAYS));
+    EXPECT_FALSE(file.Write(nullptr, 5));
+    EXPECT_FALSE(file.Open(XString(), GENERIC_WRITE, CREATE_ALWAYS));
+    EXPECT_FALSE(file.IsOpen() || file.Write("x", 1));
+    EXPECT_TRUE(file.Write(nullptr, 0));
+}
+
 TEST(FileExists, TellsFilesFoldersRootsAndWildcards) {
     const TempFolder folder;
     WriteTestFile(folder.Path(L"song.flac"), "");

@@ -189,9 +189,12 @@ public:
             info.sourceAudioInfo = m_audioInfo.Hold(source.info);
             ++handed;
         }
-        HoldList(random, m_tags, info.destIDTags, info.destIDTagsSize, converted.idTags);
-        HoldList(random, m_properties, info.sourceAudioProperties, info.sourceAudioPropertiesSize,
-                 source.properties);
+        const auto [tags, tagsSize] = HoldList(random, m_tags, converted.idTags);
+        info.destIDTags = tags;
+        info.destIDTagsSize = tagsSize;
+        const auto [properties, propertiesSize] = HoldList(random, m_properties, source.properties);
+        info.sourceAudioProperties = properties;
+        info.sourceAudioPropertiesSize = propertiesSize;
         ++handed;
 
         Files::written.clear();
@@ -206,19 +209,18 @@ public:
     }
 
 private:
-    /// A list, now and then a broken one, as a record tells it and what is to be read of it.
-    static void HoldList(Random& random, Handed& held, const void*& data, uint32_t& size, PlainList& list) {
+    /// A list, now and then a broken one, as a record tells it; `list` is what is to be read of it.
+    static std::pair<const void*, uint32_t> HoldList(Random& random, Handed& held, PlainList& list) {
         const std::vector<uint8_t> bytes = random.List();
-        data = held.Hold(bytes.data(), bytes.size());
-        size = static_cast<uint32_t>(bytes.size());
-        if (!random.OneIn(20)) {
-            list = ReadPlainly(bytes.data(), size);
-            ++handed;
-        } else if (random.OneIn(2)) {
-            data = nullptr;
-        } else {
-            size |= 0x80000000;
+        const void* const data = held.Hold(bytes.data(), bytes.size());
+        const auto size = static_cast<uint32_t>(bytes.size());
+        if (random.OneIn(20)) {
+            return random.OneIn(2) ? std::pair<const void*, uint32_t>(nullptr, size)
+                                   : std::pair<const void*, uint32_t>(data, size | 0x80000000);
         }
+        list = ReadPlainly(bytes.data(), size);
+        ++handed;
+        return {data, size};
     }
 
     static bool TraceEndsWith(const std::wstring& end) {

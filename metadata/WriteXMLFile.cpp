@@ -4,9 +4,13 @@
 #include "metadata/SourceReaders.h"
 #include "metadata/TransformDocument.h"
 #include "support/Paths.h"
-#include "support/Utf16Writer.h"
-#include "support/Utf8Writer.h"
+#include "support/Utf8.h"
 #include "support/XFileFind.h"
+#include "support/XStringList.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
 
 namespace {
 
@@ -85,28 +89,40 @@ void Gather(Facts& facts, const MetadataContext& context, const AfterConversionI
     ReadTimes(converted.texts, context, convertedFile);
 }
 
-/// A file that cannot be opened or written is passed over in silence.
-void WriteDocument(XFile& file, const XString& path, const Facts& facts) {
-    // It takes its memory before the file is opened: running out of it must not cost an existing file.
-    Utf8Writer<XFile> out(file);
+/// Replaces the file by the document in UTF-8. A file that cannot be opened or written is not reported.
+void WriteDocumentFile(XFile& file, const XString& path, const Facts& facts) {
+    // All memory is taken before the file is opened: running out of it must not cost an existing file.
+    constexpr size_t kMostBytes = XmlWriter::kChunkSize * kMostUtf8Bytes;
+    const std::unique_ptr<char[]> bytes(new char[kMostBytes]);
+    bool isWritten = true;
+    XmlWriter out("\r\n", [&](std::wstring_view chunk) {
+        // Nothing follows a chunk that could not be written, so that the file holds the document's beginning.
+        isWritten = isWritten && file.Write(bytes.get(), EncodeUtf8(chunk, {bytes.get(), kMostBytes}));
+    });
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
-        Document(out).Write(facts.source, facts.converted);
-        out.Flush();
+        WriteDocument(out, facts.source, facts.converted);
         file.Close();
     }
 }
 
 /// The document as one text, with nothing between its lines.
 Bstr JoinDocument(const Facts& facts) {
-    Utf16Writer measure(nullptr);
-    Document(measure).Write(facts.source, facts.converted);
-    Bstr text(measure.Position());
-    Utf16Writer store(text.Get());
-    Document(store).Write(facts.source, facts.converted);
+    XStringList chunks;
+    size_t size = 0;
+    XmlWriter out("", [&](std::wstring_view chunk) {
+        chunks.Add(XString(chunk.data(), chunk.size()));
+        size += chunk.size();
+    });
+    WriteDocument(out, facts.source, facts.converted);
+    Bstr text(size);
+    wchar_t* end = text.Get();
+    for (size_t i = 0; i < chunks.Count(); ++i) {
+        end = std::copy_n(chunks[i].Text(), chunks[i].Size(), end);
+    }
     return text;
 }
 
-/// As WriteDocument, with bytes that are there already.
+/// As WriteDocumentFile, with the bytes of the transformed document.
 void ReplaceFile(XFile& file, const XString& path, const ByteBuffer& bytes) {
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
         file.Write(bytes.Data(), bytes.Size());
@@ -137,7 +153,7 @@ int32_t WriteXMLFile(const MetadataContext& context, const AfterConversionInfo& 
         }
         ReplaceFile(context.outputFile, outputPath, transformed);
     } else {
-        WriteDocument(context.outputFile, outputPath, facts);
+        WriteDocumentFile(context.outputFile, outputPath, facts);
     }
     Log(kLeave, context.log, kScope);
     return 1;

@@ -3,31 +3,39 @@
 #include <cstddef>
 #include <cstdint>
 #include <emmintrin.h>
+#include <span>
 
-/// Eight UTF-16 code units, looked at all at once: one register of SSE2, which every 64-bit processor of this
-/// kind has. Pure code.
+/// Eight UTF-16 code units in one SSE2 register, which every x64 processor has. Pure code.
 class UnitBlock {
 public:
     static constexpr size_t kSize = 8;
 
-    /// The eight units at `units`, any address.
+    /// Reads eight units from any address.
     explicit UnitBlock(const void* units) noexcept
         : m_units(_mm_loadu_si128(static_cast<const __m128i*>(units))) {}
 
     /// Whether one of the units is `unit`.
-    bool Has(wchar_t unit) const noexcept { return _mm_movemask_epi8(Equal(unit)) != 0; }
+    bool Has(wchar_t unit) const noexcept { return Any(Equal(unit)); }
 
-    /// Whether all units are ASCII and none is one of `stops`.
-    template<class... Stops>
-    bool IsAsciiWithout(Stops... stops) const noexcept {
-        __m128i stop = _mm_subs_epu16(m_units, _mm_set1_epi16(0x7F)); // 0 in the lanes of ASCII units
-        ((stop = _mm_or_si128(stop, Equal(stops))), ...);
-        return _mm_movemask_epi8(_mm_cmpeq_epi16(stop, _mm_setzero_si128())) == 0xFFFF;
+    /// Whether one of the units is & " ' < or >.
+    bool HasMarkup() const noexcept {
+        const __m128i quotes = _mm_or_si128(Equal(L'"'), Equal(L'\''));
+        const __m128i brackets = _mm_or_si128(Equal(L'<'), Equal(L'>'));
+        return Any(_mm_or_si128(Equal(L'&'), _mm_or_si128(quotes, brackets)));
     }
 
-    /// Stores the eight units as bytes; those beyond ASCII become others.
-    void StoreAsBytes(char* out) const noexcept {
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(m_units, m_units));
+    /// Whether all units are below 0x80.
+    bool IsAscii() const noexcept {
+        return !Any(_mm_cmpgt_epi16(_mm_srli_epi16(m_units, 7), _mm_setzero_si128()));
+    }
+
+    void Store(std::span<wchar_t, kSize> out) const noexcept {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out.data()), m_units);
+    }
+
+    /// Stores each unit as one byte; non-ASCII units give unspecified bytes.
+    void StoreAsBytes(std::span<char, kSize> out) const noexcept {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out.data()), _mm_packus_epi16(m_units, m_units));
     }
 
 private:
@@ -35,6 +43,8 @@ private:
     __m128i Equal(wchar_t unit) const noexcept {
         return _mm_cmpeq_epi16(m_units, _mm_set1_epi16(static_cast<int16_t>(unit)));
     }
+
+    static bool Any(__m128i lanes) noexcept { return _mm_movemask_epi8(lanes) != 0; }
 
     __m128i m_units;
 };

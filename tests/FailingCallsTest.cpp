@@ -265,6 +265,22 @@ TEST_F(FailingCalls, InAConversion) {
     LetConversionsFail({});
 }
 
+TEST_F(FailingCalls, WhenTheDiskIsFullTheDocumentsBeginningStays) {
+    tags = TagBlob().Add(L"LYRICS", std::wstring(50000, L'x')).Bytes(); // a document of several chunks
+    const Round round = [this] { return Convert(); };
+    round();
+    const std::string wanted = ReadBytes(document);
+    const uint64_t calls = stubs["WriteFile"].calls;
+    std::set<size_t> sizes;
+    for (uint64_t call = 1; call <= calls; ++call) {
+        Play(round, {"WriteFile", 0, ERROR_DISK_FULL, {}}, call);
+        const std::string bytes = ReadBytes(document);
+        ASSERT_TRUE(wanted.starts_with(bytes)) << "after call " << call << ", which fails";
+        sizes.insert(bytes.size());
+    }
+    EXPECT_GT(sizes.size(), 3u) << "nothing, one chunk, two chunks, all";
+}
+
 template<class Interface>
 void Make(Interface*& object, const wchar_t* classText, const wchar_t* interfaceText) {
     GUID classId = {};

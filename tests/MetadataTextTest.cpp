@@ -1,7 +1,8 @@
 #include "metadata/TagList.h"
 #include "metadata/WaveFormat.h"
 #include "metadata/XmlText.h"
-#include "support/Utf16Writer.h"
+#include "metadata/XmlWriter.h"
+#include "support/Utf8.h"
 
 #include "tests/TagBlob.h"
 #include "tests/Wide.h"
@@ -13,30 +14,59 @@
 
 namespace {
 
-/// What `append` hands to a writer.
-template<class Append>
-std::wstring Written(Append append) {
-    Utf16Writer measure(nullptr);
-    append(measure);
-    std::wstring text(measure.Position(), L'?');
-    Utf16Writer store(text.data());
-    append(store);
-    return text;
-}
-
 TEST(XmlText, EscapesTheFiveCharactersAndNothingElse) {
-    const XString plain(L"a&b<c>\"d' &amp;\r\n\t\x0001 \xD800");
-    EXPECT_EQ(Written([&](auto& out) { EscapeXmlText(out, plain); }),
-              L"a&amp;b&lt;c&gt;&quot;d&apos; &amp;amp;\r\n\t\x0001 \xD800");
+    for (const wchar_t* rest : {L"", L"12345678"}) { // eight units at a time, and one by one
+        const std::wstring text = std::wstring(L"a&b<c>\"d' &amp;?@\r\n\t\x0001 \xD800\xFFFF") + rest;
+        std::vector<wchar_t> room(text.size() * kMostEscapedUnits);
+        const size_t size = EscapeXmlText(Utf16View(text.data(), text.size()), room);
+        EXPECT_EQ(std::wstring(room.data(), size),
+                  std::wstring(L"a&amp;b&lt;c&gt;&quot;d&apos; &amp;amp;?@\r\n\t\x0001 \xD800\xFFFF") + rest);
+    }
 }
 
 TEST(XmlText, ElementNamesLoseTwelveCharacters) {
-    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+    const std::pair<std::wstring, std::wstring> rows[] = {
         {L"Sample Rate", L"SampleRate"}, {L"( )", L""}, {L"#a &\"b'<>c()/\\:-=,[!?.\t\r", L"abc-=,[!?.\t\r"}};
     for (const auto& [name, expected] : rows) {
-        const XString whole(name);
-        EXPECT_EQ(Written([&](auto& out) { MakeElementName(out, whole); }), expected);
-        EXPECT_EQ(FirstOfElementName(whole), expected[0]);
+        const Utf16View view(name.data(), name.size());
+        std::vector<wchar_t> room(name.size());
+        EXPECT_EQ(std::wstring(room.data(), MakeElementName(view, room)), expected);
+        EXPECT_EQ(FirstOfElementName(view), expected[0]);
+    }
+}
+
+TEST(XmlWriter, PartsNoPairBetweenItsChunks) {
+    for (const std::wstring ahead : {L"", L"x", L"xx"}) {
+        std::wstring pairs = ahead;
+        std::wstring name = ahead; // it loses the blanks, which makes pairs of its halves
+        for (int i = 0; i < 20000; ++i) {
+            pairs += L"\xD83D\xDE00";
+            name += L"\xD83D \xDE00";
+        }
+        const std::wstring expected = pairs + L"&lt;\r\n" + pairs + L"\xD83D";
+        std::wstring written;
+        XmlWriter out("\r\n", [&](std::wstring_view chunk) {
+            ASSERT_FALSE(chunk.front() == 0xDE00) << "behind " << written.size() << " units";
+            written += chunk;
+        });
+        out.AppendEscaped(Utf16View(pairs.data(), pairs.size()));
+        out.AppendLine("&lt;");
+        out.AppendElementName(Utf16View(name.data(), name.size()));
+        out.AppendEscaped(Utf16View(L"\xD83D", 1));
+        out.Flush();
+        EXPECT_TRUE(written == expected);
+    }
+}
+
+TEST(Utf8, ReplacesUnpairedSurrogates) {
+    for (const wchar_t* rest : {L"", L"12345678"}) {
+        const std::wstring text =
+            std::wstring(L"a\x7F\x80\x7FF\x800\xFFFF\xD83D\xD83D\xDE00\xDE00z\xDBFF\xDFFF\xD83D") + rest;
+        std::vector<char> room(text.size() * kMostUtf8Bytes);
+        EXPECT_EQ(std::string(room.data(), EncodeUtf8(text, room)),
+                  "a\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD"
+                  "z\xF4\x8F\xBF\xBF\xEF\xBF\xBD" +
+                      std::string(rest, rest + std::char_traits<wchar_t>::length(rest)));
     }
 }
 
@@ -46,11 +76,11 @@ TEST(XmlText, SplitsAtCarriageReturns) {
     for (const auto& [text, expected] : rows) {
         const XString whole(text);
         SplitValues values(whole);
-        std::vector<std::wstring> pieces;
-        for (Utf16View piece; values.Next(piece);) {
-            pieces.push_back(Wide(piece));
+        std::vector<std::wstring> parts;
+        for (Utf16View part; values.Next(part);) {
+            parts.push_back(Wide(part));
         }
-        EXPECT_EQ(pieces, expected) << text;
+        EXPECT_EQ(parts, expected) << text;
     }
 }
 

@@ -1,8 +1,6 @@
 #include "support/XString.h"
-#include "support/Utf8Writer.h"
 #include "support/XStringList.h"
 
-#include "tests/FileInMemory.h"
 #include "tests/Wide.h"
 
 #include <gtest/gtest.h>
@@ -121,41 +119,6 @@ TEST(XStringList, GrowsByDoublingSteps) {
     list.Clear();
     EXPECT_EQ(list.Count(), 0u);
     EXPECT_EQ(list.Capacity(), 16u);
-}
-
-TEST(Utf8Writer, LosesNothingBetweenItsPieces) {
-    constexpr size_t kPiece = Utf8Writer<FileInMemory>::kPieceSize;
-    for (size_t ahead = kPiece - 8; ahead < kPiece + 4; ++ahead) {
-        const std::wstring units(ahead, L'x');
-        FileInMemory file;
-        Utf8Writer out(file);
-        EXPECT_EQ(out.AppendAsciiUntil(Utf16View(units.data(), units.size()), L'y'), ahead);
-        out.AppendUnit(0xD83D);
-        out.AppendUnit(0xDE00);
-        out.Append("&amp;");
-        out.Flush();
-        EXPECT_EQ(file.bytes, std::string(ahead, 'x') + "\xF0\x9F\x98\x80&amp;") << ahead;
-    }
-    // A half that was written with an earlier piece makes no pair with one at its place in the next.
-    FileInMemory file;
-    Utf8Writer out(file);
-    out.AppendUnit(0xD83D);
-    out.Flush();
-    out.Append("xyz");
-    out.AppendUnit(0xDE00);
-    out.Flush();
-    EXPECT_EQ(file.bytes, "\xEF\xBF\xBDxyz\xEF\xBF\xBD");
-}
-
-TEST(Utf8Writer, StopsAtTheFirstWriteThatFails) {
-    FileInMemory file;
-    file.writesLeft = 2;
-    Utf8Writer out(file);
-    for (const char* piece : {"one ", "two ", "three"}) {
-        out.Append(piece);
-        out.Flush();
-    }
-    EXPECT_EQ(file.bytes, "one two ");
 }
 
 } // namespace

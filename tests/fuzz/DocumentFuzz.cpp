@@ -2,13 +2,41 @@
 // makes.
 
 #include "metadata/Document.h"
-#include "support/Utf16Writer.h"
-#include "support/Utf8Writer.h"
-#include "tests/FileInMemory.h"
+#include "support/Utf8.h"
 #include "tests/fuzz/PlainDocument.h"
 #include "tests/fuzz/Require.h"
 
-/// The input: two bytes that tell how much the writer holds beforehand, and the list, whose last bytes serve
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+/// The line of `text` in which `at` lies.
+std::string LineAt(const std::string& text, size_t at) {
+    const size_t begin = at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
+    return text.substr(begin, text.find('\n', begin) - begin);
+}
+
+/// Ends the program, for the fuzzer to keep the input, unless the documents are the same.
+void RequireSame(const std::string& actual, const std::string& expected, size_t ahead, size_t listSize) {
+    if (actual == expected) {
+        return;
+    }
+    size_t at = 0;
+    size_t line = 1;
+    while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) {
+        line += actual[at++] == '\n' ? 1 : 0;
+    }
+    std::fprintf(stderr,
+                 "wrong: line %zu of the document of a list of %zu bytes, behind %zu units\n"
+                 "  is         %s\n  instead of %s\n",
+                 line, listSize, ahead, LineAt(actual, at).c_str(), LineAt(expected, at).c_str());
+    std::abort();
+}
+
+} // namespace
+
+/// The input: two bytes that say how much the writer holds beforehand, and the list, whose last bytes serve
 /// as an AudioInfo as well.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     uint16_t ahead = 0;
@@ -30,23 +58,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     facts.info = plain.info;
     facts.idTags = facts.properties = ParseTagBlob(data, static_cast<int32_t>(size));
 
-    static const std::string xs(Utf8Writer<FileInMemory>::kPieceSize - 1, 'x');
-    const std::string_view held =
-        std::string_view(xs).substr(ahead % 4096); // a piece ends within the document
-    FileInMemory file;
-    Utf8Writer out(file);
-    out.Append(held);
-    Document(out).Write(facts, facts);
-    out.Flush();
-    Require(file.bytes.starts_with(held), "what was held");
-    file.bytes.erase(0, held.size());
-    Require(file.bytes == PlainUtf8(PlainDocument(plain, plain, L"\r\n")), "document in UTF-8");
-
-    Utf16Writer measure(nullptr);
-    Document(measure).Write(facts, facts);
-    std::wstring stored(measure.Position(), L'?');
-    Utf16Writer store(stored.data());
-    Document(store).Write(facts, facts);
-    Require(stored == PlainDocument(plain, plain, L""), "document in UTF-16");
+    // A chunk ends within the document.
+    static const std::string xs(XmlWriter::kChunkSize - 1, 'x');
+    const std::string_view held = std::string_view(xs).substr(ahead % 4096);
+    static std::vector<char> encoded(XmlWriter::kChunkSize * kMostUtf8Bytes);
+    for (const bool hasLines : {true, false}) {
+        std::wstring text;
+        std::string bytes;
+        XmlWriter out(hasLines ? "\r\n" : "", [&](std::wstring_view chunk) {
+            text += chunk;
+            bytes.append(encoded.data(), EncodeUtf8(chunk, encoded));
+        });
+        out.Append(held);
+        WriteDocument(out, facts, facts);
+        Require(bytes.starts_with(held), "what was held");
+        const std::wstring expected = PlainDocument(plain, plain, hasLines ? L"\r\n" : L"");
+        RequireSame(bytes.substr(held.size()), PlainUtf8(expected), held.size(), size);
+        Require(text.compare(held.size(), text.npos, expected) == 0,
+                "the UTF-16 document, though not in UTF-8");
+    }
     return 0;
 }

@@ -1,33 +1,28 @@
 #include "tools/host/Console.h"
 
-#include "support/Utf8Writer.h"
+#include "support/Utf8.h"
 
 #include <windows.h>
 
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
 namespace {
 
-struct Stream {
-    HANDLE handle;
-
-    bool Write(const void* data, size_t size) const noexcept {
-        DWORD written = 0;
-        return WriteFile(handle, data, static_cast<DWORD>(size), &written, nullptr) != 0;
-    }
-};
-
 void Print(DWORD stream, const XString& text) {
+    std::wstring units;
+    std::copy_if(text.Text(), text.Text() + text.Size(), std::back_inserter(units),
+                 [](wchar_t unit) { return unit != L'\r'; });
+    if (units.empty() || units.back() != L'\n') {
+        units += L'\n';
+    }
+    std::vector<char> bytes(units.size() * kMostUtf8Bytes);
+    const size_t size = EncodeUtf8(units, bytes);
+    DWORD written = 0;
     SetConsoleOutputCP(CP_UTF8);
-    Stream file{GetStdHandle(stream)};
-    Utf8Writer<Stream> out(file);
-    for (size_t pos = 1; pos < text.Length(); ++pos) {
-        if (text.At(pos) != L'\r') {
-            out.AppendUnit(text.At(pos));
-        }
-    }
-    if (text.IsEmpty() || text.At(text.Size()) != L'\n') {
-        out.Append("\n");
-    }
-    out.Flush();
+    WriteFile(GetStdHandle(stream), bytes.data(), static_cast<DWORD>(size), &written, nullptr);
 }
 
 } // namespace

@@ -1,11 +1,9 @@
 #include "bench/BareConversion.h"
 
 #include "support/Owner.h"
+#include "tests/Decoders.h"
 
-#include <cstring>
 #include <iterator>
-
-int decoderCalls = 0;
 
 namespace {
 
@@ -19,15 +17,15 @@ void Trace(int lines) {
     }
 }
 
-void CheckExistence(const std::wstring& file) {
+void Find(const std::wstring& pattern) {
     WIN32_FIND_DATAW data = {};
-    const OwnedFind search(FindFirstFileW(file.c_str(), &data));
+    const OwnedFind search(FindFirstFileW(pattern.c_str(), &data));
 }
 
 void ReadTimes(const std::wstring& path) {
     for (int which = 0; which < 3; ++which) {
         Trace(1);
-        CheckExistence(path);
+        Find(path);
         FILETIME fileTime = {};
         {
             const OwnedFile file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
@@ -47,8 +45,7 @@ void ReadTimes(const std::wstring& path) {
 
 OwnedKey OpenCache(REGSAM access) {
     HKEY key = nullptr;
-    RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Brevik\\Zentaro\\DecoderCache64", 0, nullptr, 0, access,
-                    nullptr, &key, nullptr);
+    RegCreateKeyExW(HKEY_CURRENT_USER, Decoders::kCacheKey, 0, nullptr, 0, access, nullptr, &key, nullptr);
     return OwnedKey(key);
 }
 
@@ -69,74 +66,68 @@ void WriteCache(const wchar_t* extension, const std::wstring& library) {
 }
 
 /// A loaded decoder library with one instance.
-class Decoder {
-public:
-    explicit Decoder(const std::wstring& library) : m_library(LoadLibraryW(library.c_str())) {
+struct Decoder {
+    explicit Decoder(const std::wstring& path) : library(LoadLibraryW(path.c_str())) {
         for (const char* name : {"Set", "Close", "DecodeBlock", "SetPosition", "DeleteATag"}) {
-            GetProcAddress(m_library.Get(), name);
+            Find(name);
         }
-        Bind(m_create, "Create");
-        Bind(m_destroy, "Destroy");
-        Bind(m_get, "Get");
-        Bind(m_open, "Open");
-        m_instance = m_create(nullptr);
     }
-    ~Decoder() { m_destroy(m_instance); }
+    ~Decoder() { destroy(instance); }
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
-    /// Asks for the listed extensions up to this one, which has to be among them.
-    void Find(const wchar_t* extension) const {
-        DecoderGetRecord record = {};
-        while (m_get(m_instance, L"Decodes", &record) != 0 && wcscmp(record.text, extension) != 0) {
-            ++record.index;
-        }
+    void* Find(const char* name) const {
+        return reinterpret_cast<void*>(GetProcAddress(library.Get(), name));
     }
 
-    void Open(const std::wstring& file, OpenFlags flag) const {
-        DecoderOpenRecord record = {};
-        record.fileName = file.c_str();
-        record.openFlags = flag;
-        m_open(m_instance, &record);
-    }
-
-private:
-    template<class Function>
-    void Bind(Function*& function, const char* name) const {
-        function =
-            reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(m_library.Get(), name)));
-    }
-
-    OwnedModule m_library;
-    void* m_instance = nullptr;
-    DecoderCreateFunction* m_create = nullptr;
-    DecoderDestroyFunction* m_destroy = nullptr;
-    DecoderGetFunction* m_get = nullptr;
-    DecoderOpenFunction* m_open = nullptr;
+    OwnedModule library;
+    DecoderCreateFunction* create = reinterpret_cast<DecoderCreateFunction*>(Find("Create"));
+    DecoderDestroyFunction* destroy = reinterpret_cast<DecoderDestroyFunction*>(Find("Destroy"));
+    DecoderGetFunction* get = reinterpret_cast<DecoderGetFunction*>(Find("Get"));
+    DecoderOpenFunction* open = reinterpret_cast<DecoderOpenFunction*>(Find("Open"));
+    void* instance = create(nullptr);
 };
+
+/// Asks for the listed extensions up to this one, which must be among them.
+void AskForExtension(const Decoder& decoder, const wchar_t* extension) {
+    DecoderGetRecord record = {};
+    for (uint32_t index = 1;
+         decoder.get(decoder.instance, L"Decodes", &record) != 0 && wcscmp(record.text, extension) != 0;
+         ++index) {
+        record = {};
+        record.index = index;
+    }
+}
 
 } // namespace
 
 void BareConversion::ReadFromDecoder(const std::wstring& file, OpenFlags flag) const {
     Trace(1);
-    CheckExistence(file);
+    Find(file);
     Trace(1);
     wchar_t program[1000];
     GetModuleFileNameW(nullptr, program, static_cast<DWORD>(std::size(program)));
+    const wchar_t* const extension = file.c_str() + file.rfind(L'.');
     ReadCache(extension);
     if (library.empty()) {
-        CheckExistence(decoderPattern);
+        Find(decoderPattern);
         Trace(1);
         return;
     }
     const Decoder chosen(library);
-    chosen.Find(extension);
+    AskForExtension(chosen, extension);
     WriteCache(extension, library);
-    Decoder(library).Open(file, flag);
+    {
+        const Decoder reader(library);
+        DecoderOpenRecord record = {};
+        record.fileName = file.c_str();
+        record.openFlags = flag;
+        reader.open(reader.instance, &record);
+    }
     Trace(flag == kOpenIDTags ? 3 : 2);
 }
 
-void BareConversion::Run(const WriteDocument& write) const {
+void BareConversion::Run(const std::function<void(HANDLE file)>& write) const {
     Trace(7); // up to the output path
     ReadFromDecoder(converted, kOpenAudioInfo);
     ReadFromDecoder(converted, kOpenAudioProperties);

@@ -1,4 +1,4 @@
-#include "bench/DocumentParts.h"
+#include "bench/Writers.h"
 
 #include <array>
 #include <cstring>

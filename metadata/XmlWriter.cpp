@@ -1,16 +1,84 @@
 #include "metadata/XmlWriter.h"
 
 #include "metadata/XmlText.h"
+#include "support/UnitBlock.h"
 #include "support/Utf8.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 namespace {
 
+/// Code units that one becomes at most, in "&quot;" or "&apos;".
+constexpr size_t kMostEscapedUnits = 6;
+
 /// Texts are appended in slices of this many units, so that a slice fits the chunk whatever it becomes.
 constexpr size_t kSliceSize = 1024;
 static_assert(kSliceSize * kMostEscapedUnits < XmlWriter::kChunkSize);
+
+/// What a code unit becomes.
+struct Escaped {
+    wchar_t changedBits;                 // the first unit stored is the unit itself with these bits flipped
+    wchar_t rest[kMostEscapedUnits - 1]; // what follows, and zeros
+    uint32_t size;                       // units, the first included
+};
+
+/// By code unit; the last entry, that of "?", also serves all units above it.
+constexpr std::array<Escaped, 64> kEscaped = [] {
+    std::array<Escaped, 64> table{};
+    table.fill({0, {}, 1});
+    table[L'&'] = {L'&' ^ L'&', {L'a', L'm', L'p', L';'}, 5};
+    table[L'"'] = {L'"' ^ L'&', {L'q', L'u', L'o', L't', L';'}, 6};
+    table[L'\''] = {L'\'' ^ L'&', {L'a', L'p', L'o', L's', L';'}, 6};
+    table[L'<'] = {L'<' ^ L'&', {L'l', L't', L';'}, 4};
+    table[L'>'] = {L'>' ^ L'&', {L'g', L't', L';'}, 4};
+    return table;
+}();
+
+/// Has no branch: where these characters stand in a text cannot be predicted.
+size_t EscapeUnit(wchar_t unit, std::span<wchar_t> out) noexcept {
+    const Escaped& escaped = kEscaped[std::min(size_t{unit}, kEscaped.size() - 1)];
+    out[0] = unit ^ escaped.changedBits;
+    std::memcpy(out.subspan<1, kMostEscapedUnits - 1>().data(), escaped.rest, sizeof escaped.rest);
+    return escaped.size;
+}
+
+/// Stores the escaped text in `out`, which must have kMostEscapedUnits for each code unit of the text.
+/// Returns the number of units stored.
+size_t EscapeXmlText(Utf16View text, std::span<wchar_t> out) noexcept {
+    size_t size = 0;
+    size_t index = 0;
+    while (index < text.Size()) {
+        size_t end = text.Size();
+        if (end - index >= UnitBlock::kSize) {
+            const UnitBlock block = text.BlockAt(index);
+            if (!block.HasMarkup()) {
+                block.Store(out.subspan(size).first<UnitBlock::kSize>());
+                index += UnitBlock::kSize;
+                size += UnitBlock::kSize;
+                continue;
+            }
+            end = index + UnitBlock::kSize;
+        }
+        for (; index < end; ++index) {
+            size += EscapeUnit(text[index], out.subspan(size));
+        }
+    }
+    return size;
+}
+
+/// As EscapeXmlText, with the element name; `out` must have a unit for each of the name's.
+size_t MakeElementName(Utf16View name, std::span<wchar_t> out) noexcept {
+    size_t size = 0;
+    for (size_t i = 0; i < name.Size(); ++i) {
+        out[size] = name[i];
+        size += IsLeftOutOfNames(name[i]) ? 0u : 1u;
+    }
+    return size;
+}
 
 Utf16View TakeSlice(Utf16View& text) noexcept {
     const Utf16View slice = text.First(std::min(text.Size(), kSliceSize));

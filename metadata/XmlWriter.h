@@ -35,10 +35,12 @@ public:
         Append(m_lineEnd);
     }
 
-    /// Appends what EscapeXmlText makes of a text of any size.
+    /// Appends a text of any size with "&", the double quote, "'", "<" and ">" replaced by their entities.
+    /// Everything else is appended as it is, control characters and unpaired surrogates included.
     void AppendEscaped(Utf16View text);
 
-    /// Appends what MakeElementName makes of a name of any size.
+    /// Appends a name of any size without the units that IsLeftOutOfNames names: possibly nothing, and
+    /// possibly no name that XML allows.
     void AppendElementName(Utf16View name);
 
     /// Hands on what is still held. Must be called at the end.

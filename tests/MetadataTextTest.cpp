@@ -14,23 +14,30 @@
 
 namespace {
 
-TEST(XmlText, EscapesTheFiveCharactersAndNothingElse) {
+/// What `append` hands to a writer.
+template<class Append>
+std::wstring Written(const Append& append) {
+    std::wstring text;
+    XmlWriter out("\r\n", [&](std::wstring_view chunk) { text += chunk; });
+    append(out);
+    out.Flush();
+    return text;
+}
+
+TEST(XmlWriter, EscapesTheFiveCharactersAndNothingElse) {
     for (const wchar_t* rest : {L"", L"12345678"}) { // eight units at a time, and one by one
         const std::wstring text = std::wstring(L"a&b<c>\"d' &amp;?@\r\n\t\x0001 \xD800\xFFFF") + rest;
-        std::vector<wchar_t> room(text.size() * kMostEscapedUnits);
-        const size_t size = EscapeXmlText(Utf16View(text.data(), text.size()), room);
-        EXPECT_EQ(std::wstring(room.data(), size),
+        EXPECT_EQ(Written([&](XmlWriter& out) { out.AppendEscaped(Utf16View(text.data(), text.size())); }),
                   std::wstring(L"a&amp;b&lt;c&gt;&quot;d&apos; &amp;amp;?@\r\n\t\x0001 \xD800\xFFFF") + rest);
     }
 }
 
-TEST(XmlText, ElementNamesLoseTwelveCharacters) {
+TEST(XmlWriter, ElementNamesLoseTwelveCharacters) {
     const std::pair<std::wstring, std::wstring> rows[] = {
         {L"Sample Rate", L"SampleRate"}, {L"( )", L""}, {L"#a &\"b'<>c()/\\:-=,[!?.\t\r", L"abc-=,[!?.\t\r"}};
     for (const auto& [name, expected] : rows) {
         const Utf16View view(name.data(), name.size());
-        std::vector<wchar_t> room(name.size());
-        EXPECT_EQ(std::wstring(room.data(), MakeElementName(view, room)), expected);
+        EXPECT_EQ(Written([&](XmlWriter& out) { out.AppendElementName(view); }), expected);
         EXPECT_EQ(FirstOfElementName(view), expected[0]);
     }
 }

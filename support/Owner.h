@@ -2,21 +2,21 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <utility>
 
-/// Owns one system resource and releases it on destruction. `Traits` names the type, the value that means
-/// "none" and the call that releases. Owners move and never copy.
-template<class Traits>
+/// Owns one system resource and releases it on destruction by calling `release`. Owners move and never copy.
+/// `none` is the value that stands for no resource, as a number because a pointer such as
+/// INVALID_HANDLE_VALUE cannot be a template argument.
+template<class Type, auto release, intptr_t none = 0>
 class Owner {
 public:
-    using Type = typename Traits::Type;
-
     Owner() noexcept = default;
     explicit Owner(Type resource) noexcept : m_resource(resource) {}
-    Owner(Owner&& other) noexcept : m_resource(std::exchange(other.m_resource, Traits::None())) {}
+    Owner(Owner&& other) noexcept : m_resource(std::exchange(other.m_resource, None())) {}
     Owner& operator=(Owner&& other) noexcept {
         if (this != &other) {
-            Reset(std::exchange(other.m_resource, Traits::None()));
+            Reset(std::exchange(other.m_resource, None()));
         }
         return *this;
     }
@@ -27,56 +27,33 @@ public:
     /// The resource, still owned here.
     Type Get() const noexcept { return m_resource; }
 
-    bool IsValid() const noexcept { return m_resource != Traits::None(); }
+    bool IsValid() const noexcept { return m_resource != None(); }
 
     /// Releases what is owned and takes over `resource`.
-    void Reset(Type resource = Traits::None()) noexcept {
+    void Reset(Type resource = None()) noexcept {
         const Type old = std::exchange(m_resource, resource);
-        if (old != Traits::None()) {
-            Traits::Release(old);
+        if (old != None()) {
+            release(old);
         }
     }
 
 private:
-    Type m_resource = Traits::None();
+    static Type None() noexcept { return reinterpret_cast<Type>(none); }
+
+    Type m_resource = None();
 };
 
 /// A file handle from CreateFileW.
-struct FileTraits {
-    using Type = HANDLE;
-    static Type None() noexcept { return INVALID_HANDLE_VALUE; }
-    static void Release(Type handle) noexcept { CloseHandle(handle); }
-};
-using OwnedFile = Owner<FileTraits>;
+using OwnedFile = Owner<HANDLE, CloseHandle, -1>;
 
 /// A search handle from FindFirstFileW.
-struct FindTraits {
-    using Type = HANDLE;
-    static Type None() noexcept { return INVALID_HANDLE_VALUE; }
-    static void Release(Type handle) noexcept { FindClose(handle); }
-};
-using OwnedFind = Owner<FindTraits>;
+using OwnedFind = Owner<HANDLE, FindClose, -1>;
 
 /// A kernel object whose creation answers null on failure, such as a mutex.
-struct KernelTraits {
-    using Type = HANDLE;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type handle) noexcept { CloseHandle(handle); }
-};
-using OwnedHandle = Owner<KernelTraits>;
+using OwnedHandle = Owner<HANDLE, CloseHandle>;
 
 /// A registry key from RegCreateKeyExW.
-struct KeyTraits {
-    using Type = HKEY;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type key) noexcept { RegCloseKey(key); }
-};
-using OwnedKey = Owner<KeyTraits>;
+using OwnedKey = Owner<HKEY, RegCloseKey>;
 
 /// A module from LoadLibraryW.
-struct ModuleTraits {
-    using Type = HMODULE;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type module) noexcept { FreeLibrary(module); }
-};
-using OwnedModule = Owner<ModuleTraits>;
+using OwnedModule = Owner<HMODULE, FreeLibrary>;

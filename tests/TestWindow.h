@@ -7,12 +7,7 @@
 #include <array>
 
 /// A window from CreateWindowExW of this thread.
-struct WindowTraits {
-    using Type = HWND;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type window) noexcept { DestroyWindow(window); }
-};
-using OwnedWindow = Owner<WindowTraits>;
+using OwnedWindow = Owner<HWND, DestroyWindow>;
 
 /// A visible top-level window, or none where there is no display. Neither framed nor activated: Wine waits
 /// two seconds for a window manager to give up a window that is.

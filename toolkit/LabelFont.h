@@ -5,12 +5,7 @@
 #include <windows.h>
 
 /// A font from CreateFontIndirectW.
-struct FontTraits {
-    using Type = HFONT;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type font) noexcept { DeleteObject(font); }
-};
-using OwnedFont = Owner<FontTraits>;
+using OwnedFont = Owner<HFONT, DeleteObject>;
 
 /// Sees to it that no label of a dialog is cut off where the system's dialog font runs wider than the layout
 /// allows for: all its static texts then get that font at the largest smaller size at which every one fits.

@@ -9,11 +9,9 @@
 
 namespace {
 
-struct PropServicesTraits {
-    using Type = IAccPropServices*;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type services) noexcept { services->Release(); }
-};
+void Release(IAccPropServices* services) noexcept {
+    services->Release();
+}
 
 template<class Work>
 void WithPropServices(Work work) noexcept {
@@ -22,7 +20,7 @@ void WithPropServices(Work work) noexcept {
     IAccPropServices* services = nullptr;
     if (SUCCEEDED(CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER, IID_IAccPropServices,
                                    reinterpret_cast<void**>(&services)))) {
-        const Owner<PropServicesTraits> owner(services);
+        const Owner<IAccPropServices*, Release> owner(services);
         work(*services);
     }
     if (started) {

@@ -5,12 +5,7 @@
 #include <windows.h>
 
 /// An icon from LoadImageW.
-struct IconTraits {
-    using Type = HICON;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type icon) noexcept { DestroyIcon(icon); }
-};
-using OwnedIcon = Owner<IconTraits>;
+using OwnedIcon = Owner<HICON, DestroyIcon>;
 
 /// An icon of a module's resources at one size.
 class XIcon {

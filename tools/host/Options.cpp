@@ -33,11 +33,7 @@ namespace {
 
 constexpr uint32_t kMostRepeats = 1000000;
 
-struct LocalTraits {
-    using Type = wchar_t**;
-    static Type None() noexcept { return nullptr; }
-    static void Release(Type memory) noexcept { LocalFree(memory); }
-};
+using OwnedArguments = Owner<wchar_t**, LocalFree>;
 
 constexpr struct {
     const wchar_t* name;
@@ -91,7 +87,7 @@ void MakeAbsolute(XString& path) {
 
 XStringList CommandLineArguments() {
     int count = 0;
-    const Owner<LocalTraits> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
+    const OwnedArguments arguments(CommandLineToArgvW(GetCommandLineW(), &count));
     XStringList list;
     for (int i = 1; arguments.IsValid() && i < count; ++i) {
         list.Add(arguments.Get()[i]);

@@ -46,123 +46,92 @@ ComPtr<Interface> Create(const GUID& classId) {
     return object;
 }
 
-/// One transformation: its objects, released in the reverse of this order, and where it reports.
-class Transformation {
-public:
-    Transformation(const CreateRecord& log, const wchar_t* scope) noexcept : m_log(log), m_scope(scope) {}
+bool LoadDocument(const ComPtr<IXMLDOMDocument>& xml, const Bstr& document) {
+    VARIANT_BOOL loaded = VARIANT_FALSE;
+    Check(xml->loadXML(document.Get(), &loaded), xml);
+    return loaded != VARIANT_FALSE;
+}
 
-    /// False after a reported failure; ComError where no guard of a single step reports it.
-    bool Run(const Bstr& document, const XString& styleSheetPath, ByteBuffer& out) {
-        m_document = Create<IXMLDOMDocument>(kDomDocument);
-        m_styleSheet = Create<IXMLDOMDocument>(kFreeThreadedDomDocument);
-        m_template = Create<IXSLTemplate>(kXslTemplate);
-        if (!Guard(L"Error loading intermediate XML: ", [&] { return LoadDocument(document); }) ||
-            !Guard(L"Error loading XSLT file: ", [&] { return LoadStyleSheet(styleSheetPath); }) ||
-            !Guard(L"Error applying XSL style sheet: ", [&] { return CreateProcessor(); })) {
-            return false;
-        }
-        TransformInto(out);
-        return true;
+bool LoadStyleSheet(const ComPtr<IXMLDOMDocument>& styleSheet, const XString& path) {
+    VARIANT_BOOL loaded = VARIANT_FALSE;
+    Check(styleSheet->load(Variant(path).Get(), &loaded), styleSheet);
+    return loaded != VARIANT_FALSE;
+}
+
+Bstr ParseReason(const ComPtr<IXMLDOMDocument>& xml) {
+    ComPtr<IXMLDOMParseError> parseError;
+    Check(xml->get_parseError(parseError.Receive()), xml);
+    Bstr reason;
+    Check(parseError->get_reason(reason.Receive()), parseError);
+    return reason;
+}
+
+/// The stream's whole memory block, which may end behind what was written.
+void CopyMemoryBlock(IStream* stream, ByteBuffer& out) {
+    HGLOBAL block = nullptr;
+    static_cast<void>(GetHGlobalFromStream(stream, &block));
+    // Without a block there is no result, not even an empty one to replace the output file with.
+    ThrowUnless(block != nullptr);
+    const SIZE_T size = GlobalSize(block);
+    if (size > std::numeric_limits<uint32_t>::max()) {
+        throw std::bad_alloc();
     }
-
-    void Report(const wchar_t* message, const ComError& error) const {
-        XString text(message);
-        text.Append(error.description);
-        LogError(text.Text(), m_log, m_scope);
+    if (size != 0) {
+        const void* bytes = GlobalLock(block);
+        ThrowUnless(bytes != nullptr);
+        out.Assign(bytes, static_cast<uint32_t>(size));
+        GlobalUnlock(block);
     }
-
-private:
-    template<class Step>
-    bool Guard(const wchar_t* message, Step step) const {
-        try {
-            return step();
-        } catch (const ComError& error) {
-            Report(message, error);
-            return false;
-        }
-    }
-
-    bool LoadDocument(const Bstr& document) const {
-        VARIANT_BOOL loaded = VARIANT_FALSE;
-        Check(m_document->loadXML(document.Get(), &loaded), m_document);
-        return ReportLoading(loaded, L"XML content loaded successfully", L"Loading intermediate XML failed");
-    }
-
-    bool LoadStyleSheet(const XString& path) const {
-        VARIANT_BOOL loaded = VARIANT_FALSE;
-        Check(m_styleSheet->load(Variant(path).Get(), &loaded), m_styleSheet);
-        return ReportLoading(loaded, L"XSL file loaded successfully", L"Loading XSL failed");
-    }
-
-    /// The reason is always the document's: for a style sheet that fails it is empty as a rule.
-    bool ReportLoading(VARIANT_BOOL loaded, const wchar_t* success, const wchar_t* failure) const {
-        if (loaded != VARIANT_FALSE) {
-            Log(success, m_log, m_scope);
-            return true;
-        }
-        LogError(failure, m_log, m_scope);
-        ComPtr<IXMLDOMParseError> parseError;
-        Check(m_document->get_parseError(parseError.Receive()), m_document);
-        Bstr reason;
-        Check(parseError->get_reason(reason.Receive()), parseError);
-        LogError(reason.Text(), m_log, m_scope);
-        return false;
-    }
-
-    bool CreateProcessor() {
-        // A style sheet that the template refuses shows in createProcessor.
-        static_cast<void>(m_template->putref_stylesheet(m_styleSheet.Get()));
-        Check(m_template->createProcessor(m_processor.Receive()), m_template);
-        return true;
-    }
-
-    void TransformInto(ByteBuffer& out) const {
-        ComPtr<IStream> stream;
-        static_cast<void>(CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive()));
-        // What the processor makes of its output and input shows in `transform`.
-        static_cast<void>(m_processor->put_output(Variant(stream.Get()).Get()));
-        static_cast<void>(m_processor->put_input(Variant(m_document.Get()).Get()));
-        VARIANT_BOOL done = VARIANT_FALSE;
-        Check(m_processor->transform(&done), m_processor);
-        CopyMemoryBlock(stream.Get(), out);
-    }
-
-    /// The stream's whole memory block, which may end behind what was written.
-    static void CopyMemoryBlock(IStream* stream, ByteBuffer& out) {
-        HGLOBAL block = nullptr;
-        static_cast<void>(GetHGlobalFromStream(stream, &block));
-        // Without a block there is no result, not even an empty one to replace the output file with.
-        ThrowUnless(block != nullptr);
-        const SIZE_T size = GlobalSize(block);
-        if (size > std::numeric_limits<uint32_t>::max()) {
-            throw std::bad_alloc();
-        }
-        if (size != 0) {
-            const void* bytes = GlobalLock(block);
-            ThrowUnless(bytes != nullptr);
-            out.Assign(bytes, static_cast<uint32_t>(size));
-            GlobalUnlock(block);
-        }
-    }
-
-    const CreateRecord& m_log;
-    const wchar_t* m_scope;
-    ComPtr<IXMLDOMDocument> m_document;
-    ComPtr<IXMLDOMDocument> m_styleSheet;
-    ComPtr<IXSLTemplate> m_template;
-    ComPtr<IXSLProcessor> m_processor;
-};
+}
 
 } // namespace
 
 bool TransformDocument(const CreateRecord& log, const wchar_t* scope, const Bstr& document,
                        const XString& styleSheetPath, ByteBuffer& out) {
-    const ComInitScope com;
-    Transformation transformation(log, scope);
+    const ComInitScope com; // outlives the objects, which are those of the try block
+    const wchar_t* const anyStep = L"Unexpected MS XML error: ";
+    const wchar_t* step = anyStep; // what the report of a failure begins with
     try {
-        return transformation.Run(document, styleSheetPath, out);
+        const auto xml = Create<IXMLDOMDocument>(kDomDocument);
+        const auto styleSheet = Create<IXMLDOMDocument>(kFreeThreadedDomDocument);
+        const auto sheetTemplate = Create<IXSLTemplate>(kXslTemplate);
+
+        step = L"Error loading intermediate XML: ";
+        if (!LoadDocument(xml, document)) {
+            LogError(L"Loading intermediate XML failed", log, scope);
+            LogError(ParseReason(xml).Text(), log, scope);
+            return false;
+        }
+        Log(L"XML content loaded successfully", log, scope);
+
+        step = L"Error loading XSLT file: ";
+        if (!LoadStyleSheet(styleSheet, styleSheetPath)) {
+            LogError(L"Loading XSL failed", log, scope);
+            LogError(ParseReason(xml).Text(), log, scope); // the document's reason, as a rule empty
+            return false;
+        }
+        Log(L"XSL file loaded successfully", log, scope);
+
+        step = L"Error applying XSL style sheet: ";
+        // A style sheet that the template refuses shows in createProcessor.
+        static_cast<void>(sheetTemplate->putref_stylesheet(styleSheet.Get()));
+        ComPtr<IXSLProcessor> processor;
+        Check(sheetTemplate->createProcessor(processor.Receive()), sheetTemplate);
+
+        step = anyStep;
+        ComPtr<IStream> stream;
+        static_cast<void>(CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive()));
+        // What the processor makes of its output and input shows in `transform`.
+        static_cast<void>(processor->put_output(Variant(stream.Get()).Get()));
+        static_cast<void>(processor->put_input(Variant(xml.Get()).Get()));
+        VARIANT_BOOL done = VARIANT_FALSE;
+        Check(processor->transform(&done), processor);
+        CopyMemoryBlock(stream.Get(), out);
+        return true;
     } catch (const ComError& error) {
-        transformation.Report(L"Unexpected MS XML error: ", error);
+        XString text(step);
+        text.Append(error.description);
+        LogError(text.Text(), log, scope);
         return false;
     }
 }

@@ -10,8 +10,8 @@
 //
 // The three readers answer -1 after an error line (the file is missing, no library decodes it, or the library
 // fails to open it) and otherwise 1. A library that cannot be loaded a second time, or makes no second
-// instance, answers 1 too: only a changed `out` tells that something was read. Nothing is kept between calls;
-// the library is loaded anew.
+// instance, answers 1 too: only a changed `out` shows that something was read. The document is written either
+// way, so its writer ignores the results. Nothing is kept between calls; the library is loaded anew.
 
 int32_t GetAudioInfo(const MetadataContext& context, const XString& fileName, AudioInfo& out);
 

@@ -1,9 +1,10 @@
 #include "decoders/FindDecoder.h"
 
 #include "decoders/DecoderCache.h"
+#include "support/ModuleFolder.h"
 #include "support/Paths.h"
-#include "support/ProgramFolder.h"
-#include "support/XFileFind.h"
+
+#include <utility>
 
 namespace {
 
@@ -31,7 +32,7 @@ bool TryCachedLibrary(const XString& programFolder, const XString& extension, cl
 
 bool TryFolder(const XString& programFolder, const XString& extension, clZentaroDecoder& decoder,
                void* context) {
-    XFileFind scan = XFileFind::ForDecoders(programFolder.Text());
+    XFileFind scan = ListDecoderLibraries(programFolder);
     while (scan.Next()) {
         if (!scan.IsFolder() && TryDecoderLibrary(scan.Path().Text(), extension, decoder, context)) {
             return true;
@@ -41,6 +42,13 @@ bool TryFolder(const XString& programFolder, const XString& extension, clZentaro
 }
 
 } // namespace
+
+XFileFind ListDecoderLibraries(const XString& programFolder) {
+    XString pattern(programFolder.Text());
+    EnsureTrailingBackslash(pattern);
+    pattern.Append(L"decoder\\*.dll");
+    return XFileFind(std::move(pattern));
+}
 
 bool FindDecoderForFile(const XString& fileName, clZentaroDecoder& decoder, void* context) {
     const XString extension = GetFileExt(fileName);

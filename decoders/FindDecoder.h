@@ -1,7 +1,12 @@
 #pragma once
 
 #include "decoders/clZentaroDecoder.h"
+#include "support/XFileFind.h"
 #include "support/XString.h"
+
+/// The libraries in the folder "decoder" below `programFolder`: every "*.dll", sub-folders of such a name
+/// included.
+XFileFind ListDecoderLibraries(const XString& programFolder);
 
 /// Finds the decoder library for a file by its extension alone: the registry cache first, then every library
 /// in the folder "decoder" beside the process's program, in the order in which the system lists them. On

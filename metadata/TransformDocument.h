@@ -1,7 +1,7 @@
 #pragma once
 
-#include "metadata/Com.h"
 #include "support/ByteBuffer.h"
+#include "support/Com.h"
 #include "support/DebugLog.h"
 #include "support/XString.h"
 

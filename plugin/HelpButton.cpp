@@ -1,7 +1,7 @@
 #include "plugin/HelpButton.h"
 
+#include "support/ModuleFolder.h"
 #include "support/Paths.h"
-#include "support/ProgramFolder.h"
 
 #include <shellapi.h>
 

@@ -3,7 +3,7 @@
 #include "plugin/Module.h"
 #include "plugin/ParseOptions.h"
 #include "resources/resource.h"
-#include "support/ProgramFolder.h"
+#include "support/ModuleFolder.h"
 
 #include <commdlg.h>
 

@@ -22,12 +22,12 @@ XString GetFilePath(const XString& path) {
     return path.Mid(1, separatorPos != 0 ? separatorPos : path.Size());
 }
 
-XString FolderOfProgram(const XString& programPath) {
-    if (programPath.At(1) != L'"') {
-        return GetFilePath(programPath);
+XString ModuleFolder(const XString& modulePath) {
+    if (modulePath.At(1) != L'"') {
+        return GetFilePath(modulePath);
     }
-    const size_t quotePos = programPath.Find(L'"', 2);
-    return GetFilePath(programPath.Mid(2, quotePos != 0 ? quotePos - 1 : programPath.Size()));
+    const size_t quotePos = modulePath.Find(L'"', 2);
+    return GetFilePath(modulePath.Mid(2, quotePos != 0 ? quotePos - 1 : modulePath.Size()));
 }
 
 void EnsureTrailingBackslash(XString& path) {

@@ -8,13 +8,6 @@ XFileFind::XFileFind(XString&& pattern) : m_pattern(std::move(pattern)) {
     StripBackslashes(m_pattern);
 }
 
-XFileFind XFileFind::ForDecoders(const wchar_t* folder) {
-    XString pattern(folder);
-    EnsureTrailingBackslash(pattern);
-    pattern.Append(L"decoder\\*.dll");
-    return XFileFind(std::move(pattern));
-}
-
 bool XFileFind::Next() {
     bool found = false;
     do {

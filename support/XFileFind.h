@@ -11,9 +11,6 @@ public:
     /// `pattern` is a folder plus a name that may hold wildcards; backslashes at its end are dropped.
     explicit XFileFind(XString&& pattern);
 
-    /// Every "*.dll" in the folder "decoder" below `folder`.
-    static XFileFind ForDecoders(const wchar_t* folder);
-
     /// Moves to the next entry; false when there is none, and from then on.
     bool Next();
 

@@ -70,7 +70,7 @@ TEST(XFileFind, ListsFilesAndFoldersOnce) {
     EXPECT_FALSE(all.Next()) << "the folder itself and its parent are passed over";
     EXPECT_FALSE(XFileFind(Text(folder.Path(L"none\\*"))).Next());
     std::set<std::wstring> found;
-    XFileFind find = XFileFind::ForDecoders(folder.Path(L"").c_str());
+    XFileFind find(Text(folder.Path(L"decoder\\*.dll")));
     while (find.Next()) {
         found.insert(std::wstring(find.Path().Text()) + (find.IsFolder() ? L" folder" : L""));
     }

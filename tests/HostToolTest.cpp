@@ -1,4 +1,4 @@
-#include "support/ProgramFolder.h"
+#include "support/ModuleFolder.h"
 #include "tests/Files.h"
 
 #include <cstdlib>

@@ -1,5 +1,5 @@
 #include "plugin/HelpButton.h"
-#include "support/ProgramFolder.h"
+#include "support/ModuleFolder.h"
 #include "tests/PluginHarness.h"
 #include "tests/TestWindow.h"
 #include "toolkit/LabelFont.h"

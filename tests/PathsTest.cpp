@@ -62,7 +62,7 @@ TEST(Paths, ProgramPathsMayStandInQuotes) {
                 {L"\"C:\\a\\host.exe", L"C:\\a\\"},
                 {L"", L""}};
     for (const auto& row : rows) {
-        EXPECT_EQ(Wide(FolderOfProgram(XString(row.path))), row.folder) << row.path;
+        EXPECT_EQ(Wide(ModuleFolder(XString(row.path))), row.folder) << row.path;
     }
 }
 

@@ -62,7 +62,7 @@ void CheckPaths(const XString& path) {
     Require(hasExt ? nameNoExt + ext == name : nameNoExt == name && ext == L".", "name and extension");
     const std::wstring unquoted = whole.substr(0, whole.find(L'"'));
     const XString quoted((L"\"" + unquoted + L"\" -x \\y").c_str());
-    Require(Wide(FolderOfProgram(quoted)) == Wide(GetFilePath(XString(unquoted.c_str()))),
+    Require(Wide(ModuleFolder(quoted)) == Wide(GetFilePath(XString(unquoted.c_str()))),
             "folder of a program");
 }
 

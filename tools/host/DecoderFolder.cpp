@@ -1,15 +1,14 @@
 #include "tools/host/DecoderFolder.h"
 
-#include "decoders/clZentaroDecoder.h"
+#include "decoders/FindDecoder.h"
+#include "support/ModuleFolder.h"
 #include "support/Paths.h"
-#include "support/ProgramFolder.h"
-#include "support/XFileFind.h"
 #include "tools/host/Console.h"
 
 namespace {
 
 bool FindLibrary(const XString& extension, clZentaroDecoder& decoder) {
-    XFileFind scan = XFileFind::ForDecoders(ModuleFolder(nullptr).Text());
+    XFileFind scan = ListDecoderLibraries(ModuleFolder(nullptr));
     while (scan.Next()) {
         if (decoder.Load(scan.Path().Text()) && decoder.CreateInstance(nullptr) &&
             decoder.Decodes(extension.Text())) {

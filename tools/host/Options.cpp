@@ -1,7 +1,7 @@
 #include "tools/host/Options.h"
 
+#include "support/ModuleFolder.h"
 #include "support/Owner.h"
-#include "support/ProgramFolder.h"
 #include "tools/host/Console.h"
 
 #include <shellapi.h>

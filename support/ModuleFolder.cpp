@@ -1,4 +1,4 @@
-#include "support/ProgramFolder.h"
+#include "support/ModuleFolder.h"
 
 #include "support/Paths.h"
 
@@ -7,5 +7,5 @@
 XString ModuleFolder(HMODULE module) {
     wchar_t path[1000];
     const DWORD size = GetModuleFileNameW(module, path, static_cast<DWORD>(std::size(path)));
-    return FolderOfProgram(XString(path, size));
+    return ModuleFolder(XString(path, size));
 }

@@ -10,7 +10,7 @@
 #include <new>
 #include <utility>
 
-// Owners for what COM hands out, and the exception that carries its failures through the XSLT step.
+// Owners for what COM hands out, and an exception for its failures.
 
 /// A failed COM call, with the description from the object's error information; empty when there is none.
 struct ComError {

@@ -1,4 +1,4 @@
-#include "metadata/Com.h"
+#include "support/Com.h"
 
 #include <ole2.h>
 

@@ -15,7 +15,7 @@ target_compile_options(project_options INTERFACE
 
 # The same sources give the same bytes wherever they are built.
 add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
-add_compile_options(-ffunction-sections -fdata-sections -fstack-protector-strong -D_FORTIFY_SOURCE=2)
+add_compile_options(-ffunction-sections -fdata-sections -fstack-protector-strong)
 add_link_options(-static -fstack-protector-strong -Wl,--gc-sections -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat
     -Wl,--disable-auto-image-base -Wl,--no-insert-timestamp)
 

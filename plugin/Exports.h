@@ -15,10 +15,11 @@ class clDSP_WriteMetadataFile;
 //   any number of conversions (DSP_BeginConversion, DSP_PassAudioBlock …, DSP_EndConversion,
 //   DSP_AfterConversion), DSP_Destroy
 //
-// on one thread for each instance. Every function but DSP_Create takes the instance first; a null instance is
-// answered with 0 (by DSP_Destroy with 1) and has no effect. Texts are zero-terminated UTF-16. Failures of
-// the metadata work are told in the trace and error handles of the CreateRecord, never in a result; a call
-// that ran out of memory answers 0.
+// with one call at a time for each instance. While a panel is open, DSP_ShowConfigBit, DSP_RemoveConfigBit
+// and DSP_Destroy are for the thread that showed the panel. Every function but DSP_Create takes the instance
+// first; a null instance is answered with 0 (by DSP_Destroy with 1) and has no effect. Texts are
+// zero-terminated UTF-16. Failures of the metadata work are reported in the trace and error handles of the
+// CreateRecord, never in a result; a call that ran out of memory answers 0.
 extern "C" {
 
 /// A new instance holding a copy of the record, whose handles stay the host's. Throws std::bad_alloc.

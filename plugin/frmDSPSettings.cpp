@@ -8,6 +8,7 @@
 #include <commdlg.h>
 
 #include <iterator>
+#include <vector>
 
 namespace {
 
@@ -18,6 +19,20 @@ constexpr RECT kIconPlace = {284, 1, 1, 1}; // dialog units; only left and top c
 HMODULE ResourceModule() noexcept {
     return moduleHandle != nullptr ? moduleHandle : GetModuleHandleW(nullptr);
 }
+
+/// Puts the process's current folder back at the end of the scope.
+class CurrentFolderScope {
+public:
+    CurrentFolderScope() : m_folder(GetCurrentDirectoryW(0, nullptr) + size_t{1}) {
+        GetCurrentDirectoryW(static_cast<DWORD>(m_folder.size()), m_folder.data());
+    }
+    ~CurrentFolderScope() { SetCurrentDirectoryW(m_folder.data()); }
+    CurrentFolderScope(const CurrentFolderScope&) = delete;
+    CurrentFolderScope& operator=(const CurrentFolderScope&) = delete;
+
+private:
+    std::vector<wchar_t> m_folder;
+};
 
 /// Lets the user choose a style sheet for the panel's field. Works on the window alone: while the file dialog
 /// is open, the host may close the panel and with it destroy the object behind it.
@@ -33,6 +48,7 @@ void Browse(HWND panel) {
     dialog.lpstrFile = path;
     dialog.nMaxFile = static_cast<DWORD>(std::size(path));
     dialog.lpstrInitialDir = folder.Text();
+    const CurrentFolderScope currentFolder; // the file dialog moves to the folder that it shows
     if (GetOpenFileNameW(&dialog)) {
         SetDlgItemTextW(panel, IDC_XSLT_FILE, path);
     }
@@ -70,7 +86,7 @@ void frmDSPSettings::OnInit() {
     m_toolTip.Start(*this);
     m_icon.Load(ResourceModule(), IDI_PLUGIN, ScaleToScreen(kIconSize));
     m_labelFont = FitLabels(Hwnd());
-    // The label stands behind its field, where assistive programs do not look.
+    // The label stands behind its field, and screen readers take the label before a field.
     m_xsltFileName.Set(GetDlgItem(Hwnd(), IDC_XSLT_FILE), L"Apply XSLT file:");
     m_cmdHelp.Attach(GetDlgItem(Hwnd(), IDHELP)); // the layout of today has no such button
 

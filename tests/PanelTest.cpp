@@ -9,6 +9,7 @@
 #include <oleacc.h>
 #include <shellapi.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -327,6 +328,7 @@ void Choose(HWND dialog, const wchar_t* file) {
 
 TEST_F(Panel, BrowsesForAStyleSheet) {
     const HWND panel = Show();
+    const auto currentFolder = std::filesystem::current_path();
     // The folder that the system remembers from now on; the panel must not begin there.
     Browse(panel, [](HWND dialog) { Choose(dialog, L"C:\\windows\\old.xsl"); });
     EXPECT_EQ(FieldText(panel, kXsltFile), L"C:\\windows\\old.xsl");
@@ -340,6 +342,7 @@ TEST_F(Panel, BrowsesForAStyleSheet) {
     Browse(panel, [](HWND dialog) { Choose(dialog, L"new one.xsl"); });
     EXPECT_EQ(FieldText(panel, kXsltFile),
               ModuleFolder(PluginModule()).Text() + std::wstring(L"XSLT\\new one.xsl"));
+    EXPECT_EQ(std::filesystem::current_path(), currentFolder);
 }
 
 TEST_F(Panel, MayBeReplacedWhileTheUserBrowses) {

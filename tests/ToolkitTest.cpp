@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <new>
 #include <string>
 
 namespace {
@@ -268,6 +271,28 @@ TEST(Button, KnowsItsClicks) {
     button.Attach(control);
     DestroyWindow(control);
     EXPECT_EQ(button.Hwnd(), nullptr);
+}
+
+TEST(Button, MayEndWithItsControlWhenItIsClicked) {
+    struct Parent : XWindow {
+        ~Parent() override { Destroy(); }
+        bool OnCommand(UINT, HWND control, UINT) override {
+            DestroyWindow(control);
+            button->~XButton();
+            std::fill_n(memory, sizeof memory, std::byte{0xDD});
+            return true;
+        }
+        alignas(XButton) std::byte memory[sizeof(XButton)];
+        XButton* button = new (memory) XButton;
+    };
+    Parent parent;
+    MakeWindow(parent);
+    SKIP_WITHOUT_DISPLAY(parent.Hwnd());
+    const HWND control = CreateWindowExW(0, L"BUTTON", L"Help", WS_CHILD, 0, 0, 80, 30, parent.Hwnd(),
+                                         nullptr, nullptr, nullptr);
+    parent.button->Attach(control);
+    SendMessageW(control, BM_CLICK, 0, 0);
+    EXPECT_FALSE(IsWindow(control));
 }
 
 } // namespace

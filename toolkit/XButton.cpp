@@ -15,9 +15,10 @@ LRESULT XButton::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
                (message == WM_LBUTTONUP && GetClientRect(Hwnd(), &area) && PtInRect(&area, point));
     };
     const bool clicked = (message == WM_KEYUP || message == WM_LBUTTONUP) && isClick();
+    const HWND control = Hwnd();
     const LRESULT result = XSubClassCtrl::WindowProc(message, wParam, lParam);
-    // The parent may have answered the click by destroying the button.
-    if (clicked && Hwnd() != nullptr) {
+    // The parent may have answered the click by destroying the control, and this object with it.
+    if (clicked && IsWindow(control)) {
         OnClick();
     }
     return result;

@@ -2,6 +2,7 @@
 
 #include "metadata/WriteXMLFile.h"
 #include "plugin/ParseOptions.h"
+#include "support/ThreadErrorModeScope.h"
 
 namespace {
 
@@ -62,6 +63,7 @@ void clDSP_WriteMetadataFile::EndConversion() {
 
 void clDSP_WriteMetadataFile::AfterConversion(const AfterConversionInfo* info) {
     Log(kEnter, m_record, kAfterConversion);
+    const ThreadErrorModeScope errorMode;
     if (info != nullptr) {
         WriteXMLFile(Context(), *info, !m_xsltFile.IsEmpty());
     }

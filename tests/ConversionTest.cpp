@@ -56,6 +56,17 @@ TEST_F(ConversionTest, CallsTheDecoderLibrariesInOrder) {
     EXPECT_EQ(Narrow(calls), Expected(L"calls.txt", {}));
 }
 
+TEST_F(ConversionTest, RunsWithoutTheSystemsErrorBoxes) {
+    const DWORD before = GetThreadErrorMode();
+    for (const DWORD mode : {DWORD{0}, DWORD{SEM_NOGPFAULTERRORBOX}, DWORD{SEM_FAILCRITICALERRORS}}) {
+        SetThreadErrorMode(mode, nullptr);
+        Convert();
+        EXPECT_EQ(decoders.ErrorMode(), mode | SEM_FAILCRITICALERRORS);
+        EXPECT_EQ(GetThreadErrorMode(), mode);
+    }
+    SetThreadErrorMode(before, nullptr);
+}
+
 TEST_F(ConversionTest, ReaderFailuresLeaveTheRestOfTheDocument) {
     const std::wstring of = L" from file '" + converted + L"'\r\n";
     const std::wstring ofSource = L" from file '" + source + L"'\r\n";

@@ -73,11 +73,15 @@ public:
     void WriteCallsTo(HANDLE trace) { m_trace = trace; }
 
     void Told(const wchar_t* name, const wchar_t* call) {
+        m_errorMode = GetThreadErrorMode();
         m_calls.push_back(std::wstring(name) + L": " + call);
         const std::wstring line = m_calls.back() + L"\r\n";
         DWORD written = 0;
         WriteFile(m_trace, line.data(), static_cast<DWORD>(line.size() * 2), &written, nullptr);
     }
+
+    /// The thread's error mode at the last call.
+    DWORD ErrorMode() const { return m_errorMode; }
 
     inline static Decoders* current = nullptr;
 
@@ -91,4 +95,5 @@ private:
     std::vector<std::wstring> m_calls;
     HANDLE m_trace = nullptr;
     const void* m_context = nullptr;
+    DWORD m_errorMode = 0;
 };

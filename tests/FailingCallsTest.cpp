@@ -224,6 +224,8 @@ protected:
             {"RegSetValueExW", ERROR_ACCESS_DENIED, 0, {"whole"}},
             {"CreateMutexW", 0, ERROR_NO_SYSTEM_RESOURCES, {"whole"}},
             {"WaitForSingleObject", kInvalid, ERROR_INVALID_HANDLE, {"whole"}},
+            {"GetThreadErrorMode", 0, 0, {"whole"}},
+            {"SetThreadErrorMode", 0, ERROR_INVALID_PARAMETER, {"whole"}},
             // Trace lines, then the document.
             {"WriteFile", 0, ERROR_DISK_FULL, {"whole", "empty"}},
             // Times, then the output file.

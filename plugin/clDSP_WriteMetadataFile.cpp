@@ -6,11 +6,21 @@
 
 namespace {
 
-constexpr const wchar_t* kShowConfigBit = L"clDSP_WriteMetadataFile::ShowConfigBit";
-constexpr const wchar_t* kRemoveConfigBit = L"clDSP_WriteMetadataFile::RemoveConfigBit";
-constexpr const wchar_t* kBeginConversion = L"clDSP_WriteMetadataFile::BeginConversion";
-constexpr const wchar_t* kEndConversion = L"clDSP_WriteMetadataFile::EndConversion";
-constexpr const wchar_t* kAfterConversion = L"clDSP_WriteMetadataFile::AfterConversion";
+/// Traces that a method is entered and left, also when it ends by an exception.
+class TraceScope {
+public:
+    TraceScope(const CreateRecord& record, const wchar_t* method) noexcept
+        : m_record(record), m_method(method) {
+        Log(kEnter, m_record, m_method);
+    }
+    ~TraceScope() { Log(kLeave, m_record, m_method); }
+    TraceScope(const TraceScope&) = delete;
+    TraceScope& operator=(const TraceScope&) = delete;
+
+private:
+    const CreateRecord& m_record;
+    const wchar_t* m_method;
+};
 
 /// An absent or empty option leaves the field as it is.
 void TakeOption(XString& field, const OptionLists& options, const wchar_t* name) {
@@ -26,48 +36,41 @@ const wchar_t* OrEmpty(const wchar_t* text) noexcept {
 } // namespace
 
 HWND clDSP_WriteMetadataFile::ShowConfigBit(HWND parent, int32_t x, int32_t y, const wchar_t* settings) {
-    Log(kEnter, m_record, kShowConfigBit);
-    const HWND panel = m_settingsDialog.Show(parent, x, y, settings);
-    Log(kLeave, m_record, kShowConfigBit);
-    return panel;
+    const TraceScope trace(m_record, L"clDSP_WriteMetadataFile::ShowConfigBit");
+    return m_settingsDialog.Show(parent, x, y, settings);
 }
 
 const wchar_t* clDSP_WriteMetadataFile::RemoveConfigBit(int64_t mode) {
-    const bool isQuery = mode == kQueryMode;
-    if (!isQuery) {
-        Log(kEnter, m_record, kRemoveConfigBit);
-    }
-    m_configString = m_settingsDialog.ReadSettings();
-    if (!isQuery) {
+    if (mode == kQueryMode) {
+        m_configString = m_settingsDialog.ReadSettings();
+    } else {
+        const TraceScope trace(m_record, L"clDSP_WriteMetadataFile::RemoveConfigBit");
+        m_configString = m_settingsDialog.ReadSettings();
         m_settingsDialog.Destroy();
-        Log(kLeave, m_record, kRemoveConfigBit);
     }
     return m_configString.Text();
 }
 
 void clDSP_WriteMetadataFile::BeginConversion(const wchar_t* settings) {
-    Log(kEnter, m_record, kBeginConversion);
+    const TraceScope trace(m_record, L"clDSP_WriteMetadataFile::BeginConversion");
     OptionLists options;
     ParseOptions(options, XString(settings));
     TakeOption(m_xsltFile, options, L"xsltfile");
     TakeOption(m_outputExtension, options, L"ext");
     m_outputName.Assign(L"");
     TakeOption(m_outputName, options, L"filename");
-    Log(kLeave, m_record, kBeginConversion);
 }
 
 void clDSP_WriteMetadataFile::EndConversion() {
-    Log(kEnter, m_record, kEndConversion);
-    Log(kLeave, m_record, kEndConversion);
+    const TraceScope trace(m_record, L"clDSP_WriteMetadataFile::EndConversion");
 }
 
 void clDSP_WriteMetadataFile::AfterConversion(const AfterConversionInfo* info) {
-    Log(kEnter, m_record, kAfterConversion);
+    const TraceScope trace(m_record, L"clDSP_WriteMetadataFile::AfterConversion");
     const ThreadErrorModeScope errorMode;
     if (info != nullptr) {
         WriteXMLFile(Context(), *info, !m_xsltFile.IsEmpty());
     }
-    Log(kLeave, m_record, kAfterConversion);
 }
 
 bool clDSP_WriteMetadataFile::Get(const wchar_t* key) {

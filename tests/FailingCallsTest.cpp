@@ -283,6 +283,31 @@ TEST_F(FailingCalls, WhenTheDiskIsFullTheDocumentsBeginningStays) {
     EXPECT_GT(sizes.size(), 3u) << "nothing, one chunk, two chunks, all";
 }
 
+TEST_F(FailingCalls, KeepTheTraceBalanced) {
+    const std::pair<const wchar_t*, std::function<int64_t()>> rows[] = {
+        {L"BeginConversion",
+         [this] {
+             return CALL_PLUGIN(DSP_BeginConversion, plugin.Instance(), nullptr, L"-ext=.a", nullptr);
+         }},
+        {L"ShowConfigBit",
+         [this] {
+             return reinterpret_cast<intptr_t>(
+                 CALL_PLUGIN(DSP_ShowConfigBit, plugin.Instance(), nullptr, 0, 0, L"-ext=.a"));
+         }},
+        {L"RemoveConfigBit", [this] {
+             return reinterpret_cast<intptr_t>(CALL_PLUGIN(DSP_RemoveConfigBit, plugin.Instance(), 0));
+         }}};
+    for (const auto& [method, call] : rows) {
+        CALL_PLUGIN(DSP_EndConversion, plugin.Instance()); // fills what the plug-in keeps back
+        plugin.Trace();
+        Heap::size = Heap::used;
+        EXPECT_EQ(call(), 0) << method;
+        Heap::EndAt(0);
+        const std::wstring scope = std::wstring(L"  [clDSP_WriteMetadataFile::") + method + L"]\r\n";
+        EXPECT_EQ(plugin.Trace(), L"->->" + scope + L"<-<-" + scope + L"*** Error: Out of memory\r\n");
+    }
+}
+
 template<class Interface>
 void Make(Interface*& object, const wchar_t* classText, const wchar_t* interfaceText) {
     GUID classId = {};

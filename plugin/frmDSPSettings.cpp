@@ -34,6 +34,16 @@ private:
     std::vector<wchar_t> m_folder;
 };
 
+/// Shows a path with its end in view, where the file's name stands.
+bool SetPath(HWND panel, const wchar_t* path) noexcept {
+    const bool isSet = SetDlgItemTextW(panel, IDC_XSLT_FILE, path) != 0;
+    const HWND field = GetDlgItem(panel, IDC_XSLT_FILE);
+    const size_t end = TextSize(path);
+    SendMessageW(field, EM_SETSEL, end, static_cast<LPARAM>(end));
+    SendMessageW(field, EM_SCROLLCARET, 0, 0);
+    return isSet;
+}
+
 /// Lets the user choose a style sheet for the panel's field. Works on the window alone: while the file dialog
 /// is open, the host may close the panel and with it destroy the object behind it.
 void Browse(HWND panel) {
@@ -50,7 +60,7 @@ void Browse(HWND panel) {
     dialog.lpstrInitialDir = folder.Text();
     const CurrentFolderScope currentFolder; // the file dialog moves to the folder that it shows
     if (GetOpenFileNameW(&dialog)) {
-        SetDlgItemTextW(panel, IDC_XSLT_FILE, path);
+        SetPath(panel, path);
     }
 }
 
@@ -86,13 +96,17 @@ void frmDSPSettings::OnInit() {
     m_toolTip.Start(*this);
     m_icon.Load(ResourceModule(), IDI_PLUGIN, ScaleToScreen(kIconSize));
     m_labelFont = FitLabels(Hwnd());
-    // The label stands behind its field, and screen readers take the label before a field.
+    // The label stands behind its field, where assistive programs do not look.
     m_xsltFileName.Set(GetDlgItem(Hwnd(), IDC_XSLT_FILE), L"Apply XSLT file:");
     m_cmdHelp.Attach(GetDlgItem(Hwnd(), IDHELP)); // the layout of today has no such button
 
+    // What is typed beyond what is read would be lost.
+    for (const int field : {IDC_XSLT_FILE, IDC_EXTENSION}) {
+        SendMessageW(GetDlgItem(Hwnd(), field), EM_LIMITTEXT, kFieldSize - 1, 0);
+    }
     OptionLists options;
     ParseOptions(options, m_settings);
-    m_filled = SetDlgItemTextW(Hwnd(), IDC_XSLT_FILE, FindOption(options, L"xsltfile")) &&
+    m_filled = SetPath(Hwnd(), FindOption(options, L"xsltfile")) &&
                SetDlgItemTextW(Hwnd(), IDC_EXTENSION, FindOption(options, L"ext"));
 }
 

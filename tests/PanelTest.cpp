@@ -134,6 +134,10 @@ TEST_F(Panel, ShowsItsIcon) {
         return pixels;
     };
     const std::vector<COLORREF> shown = picture();
+    const LONG width = Mapped(panel, {0, 0, 300, 79})[2];
+    for (LONG y = place[1]; y < around.bottom; ++y) {
+        EXPECT_EQ(GetPixel(dc, width - 1, y), GetSysColor(COLOR_3DFACE)) << "touches the edge at line " << y;
+    }
     FillRect(dc, &around, GetSysColorBrush(COLOR_3DFACE));
     EXPECT_NE(shown, picture());
     const OwnedIcon icon(
@@ -165,6 +169,36 @@ TEST_F(Panel, FillsItsFieldsAndReadsThem) {
     SetDlgItemTextW(panel, kXsltFile, (longest + L"yz").c_str());
     SetDlgItemTextW(panel, kExtension, (longest + L"y").c_str());
     EXPECT_EQ(Read(kClose), L"-xsltfile=\"" + longest + L"\" -ext=\"" + longest + L"\"");
+}
+
+TEST_F(Panel, TakesNoMoreTypingThanItReads) {
+    const HWND panel = Show();
+    for (const int id : {kXsltFile, kExtension}) {
+        const HWND field = GetDlgItem(panel, id);
+        for (int i = 0; i < 300; ++i) {
+            SendMessageW(field, WM_CHAR, L'x', 0);
+        }
+        EXPECT_EQ(TextOf(field), std::wstring(259, L'x'));
+    }
+}
+
+/// Whether the field shows the end of its text, with the caret there.
+bool ShowsItsEnd(HWND field) {
+    const auto size = static_cast<DWORD>(GetWindowTextLengthW(field));
+    DWORD begin = 0;
+    DWORD end = 0;
+    SendMessageW(field, EM_GETSEL, reinterpret_cast<WPARAM>(&begin), reinterpret_cast<LPARAM>(&end));
+    RECT area = {};
+    GetClientRect(field, &area);
+    const LRESULT last = SendMessageW(field, EM_POSFROMCHAR, size - 1, 0);
+    return begin == size && end == size && LOWORD(last) < area.right;
+}
+
+TEST_F(Panel, ShowsTheEndOfAPath) {
+    const std::wstring path = L"C:\\" + std::wstring(296, L'x') + L"y";
+    const HWND panel = Show((L"-xsltfile=\"" + path + L"\"").c_str());
+    EXPECT_EQ(FieldText(panel, kXsltFile), path) << "longer than what is read";
+    EXPECT_TRUE(ShowsItsEnd(GetDlgItem(panel, kXsltFile)));
 }
 
 TEST_F(Panel, ClosesUnlessQueried) {
@@ -342,6 +376,7 @@ TEST_F(Panel, BrowsesForAStyleSheet) {
     Browse(panel, [](HWND dialog) { Choose(dialog, L"new one.xsl"); });
     EXPECT_EQ(FieldText(panel, kXsltFile),
               ModuleFolder(PluginModule()).Text() + std::wstring(L"XSLT\\new one.xsl"));
+    EXPECT_TRUE(ShowsItsEnd(GetDlgItem(panel, kXsltFile)));
     EXPECT_EQ(std::filesystem::current_path(), currentFolder);
 }
 

@@ -96,7 +96,7 @@ void frmDSPSettings::OnInit() {
     m_toolTip.Start(*this);
     m_icon.Load(ResourceModule(), IDI_PLUGIN, ScaleToScreen(kIconSize));
     m_labelFont = FitLabels(Hwnd());
-    // The label stands behind its field, where assistive programs do not look.
+    // The label stands behind its field, and screen readers take the label before a field.
     m_xsltFileName.Set(GetDlgItem(Hwnd(), IDC_XSLT_FILE), L"Apply XSLT file:");
     m_cmdHelp.Attach(GetDlgItem(Hwnd(), IDHELP)); // the layout of today has no such button
 

@@ -433,6 +433,9 @@ TEST_F(FailingCalls, InAPanelRound) {
             result = "not created";
         }
         EXPECT_EQ(GetWindow(host.Get(), GW_CHILD), nullptr);
+        const CallStub& enterCom = stubs["CoInitialize"];
+        EXPECT_EQ(enterCom.calls - (enterCom.failing < enterCom.calls ? 1 : 0),
+                  stubs["CoUninitialize"].calls);
         return result;
     };
     round();

@@ -334,6 +334,14 @@ TEST_F(Panel, NamesItsFirstField) {
     CoUninitialize();
 }
 
+TEST_F(Panel, LeavesTheMultiThreadedApartmentAsItIs) {
+    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
+    Show();
+    Read(kClose);
+    EXPECT_EQ(CoInitialize(nullptr), RPC_E_CHANGED_MODE);
+    CoUninitialize();
+}
+
 constexpr int kFileName = 0x47c; // controls of the system's file dialog
 constexpr int kFileTypes = 0x470;
 

@@ -1,23 +1,30 @@
 #pragma once
 
+#include "support/Com.h"
+
 #include <windows.h>
 
-/// The name by which assistive programs call a control that no label stands right before. Given to the system
-/// (IAccPropServices), which keeps it until it is taken back; the control itself stays as it is. COM is used
-/// on the calling thread, for the length of a call.
+struct IAccPropServices;
+
+/// The name that screen readers speak for a control that has no label before it. It is the system that keeps
+/// the name (IAccPropServices), until it is taken back; the control itself stays as it is. COM is entered on
+/// the calling thread (CoInitialize) with `Set` and left with `Clear`.
 class XAccessibleName {
 public:
-    XAccessibleName() noexcept = default;
+    XAccessibleName() noexcept;
     XAccessibleName(const XAccessibleName&) = delete;
     XAccessibleName& operator=(const XAccessibleName&) = delete;
-    ~XAccessibleName() { Clear(); }
+    ~XAccessibleName();
 
-    /// Names a control in place of the one before; passed over where the system has no such service.
+    /// Names a control in place of the one before; nothing happens where the system has no such service.
     void Set(HWND control, const wchar_t* name) noexcept;
 
-    /// Takes the name back; due before the control is destroyed.
+    /// Takes the name back. Due on the same thread before the control is destroyed; the destructor, which may
+    /// run on any thread, does not do it.
     void Clear() noexcept;
 
 private:
+    ComPtr<IAccPropServices> m_service;
     HWND m_control = nullptr;
+    bool m_isComEntered = false;
 };

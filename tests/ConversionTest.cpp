@@ -43,7 +43,7 @@ TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
 }
 
 TEST_F(ConversionTest, CallsTheDecoderLibrariesInOrder) {
-    decoders.Add(L"a.dll").decodes = {L".other"};
+    decoders.Add(L"a.dll").decodes = {L".OUTer", L".ts"};
     decoders.Add(L"b.dll", "DeleteATag").decodes = {L".OUT"};
     decoders.Add(L"c.dll").failingCreate = 1;
     // The first reading scans the folder, the second has its library from the cache, the third scans anew for
@@ -182,17 +182,23 @@ TEST_F(ConversionTest, RefusesTwoKindsOfConvertedFiles) {
 }
 
 TEST_F(ConversionTest, FilesThatCannotBeOpenedHaveTheZeroTime) {
-    const OwnedFile locked(CreateFileW(source.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    ASSERT_TRUE(locked.IsValid());
-    Convert();
-    EXPECT_EQ(Count(ReadBytes(document), "\t\t<FileModified>1601-01-01T00:00:00</FileModified>\r\n"), 1u);
-    // A file that others write to is open to the plug-in as well.
-    const OwnedFile shared(CreateFileW(converted.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    ASSERT_TRUE(shared.IsValid());
-    Convert();
-    EXPECT_EQ(Count(ReadBytes(document), "\t\t<FileModified>1999-12-31T23:59:59</FileModified>\r\n"), 1u);
+    constexpr DWORD kReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    const struct {
+        const char* label;
+        DWORD access, share;
+        const char* time;
+    } rows[] = {
+        {"kept from all others", GENERIC_READ, 0, "1601-01-01T00:00:00"},
+        {"being written", GENERIC_WRITE, kReadWrite, "1999-12-31T23:59:59"},
+        {"being played", GENERIC_READ, FILE_SHARE_READ, "1999-12-31T23:59:59"},
+    };
+    for (const auto& row : rows) {
+        const OwnedFile open(
+            CreateFileW(converted.c_str(), row.access, row.share, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(open.IsValid());
+        Convert();
+        EXPECT_EQ(Count(ReadBytes(document), std::string("<FileModified>") + row.time), 1u) << row.label;
+    }
 }
 
 TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
@@ -220,6 +226,10 @@ TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
         {"library of other files", L"z.dll", REG_SZ, a},
     };
     Convert(); // makes the key
+    const std::wstring below = std::wstring(Decoders::kCacheKey) + L"\\below";
+    EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, below.c_str(), nullptr, REG_SZ, L"", 2), ERROR_SUCCESS)
+        << "a key that goes at the end of the session takes none that stays";
+    RegDeleteKeyW(HKEY_CURRENT_USER, below.c_str());
     for (const auto& row : rows) {
         Decoders::Store(L".OUT", row.stored, row.type, row.bytesLess);
         Convert();

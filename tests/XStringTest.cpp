@@ -88,6 +88,7 @@ TEST(XString, ComparesUnitsAsUnsignedAndFoldsAsciiOnly) {
         {L"IsLive", L"islive", 0, true, 0},  {L"abc", nullptr, 0, false, 1},
         {L"abcd", L"abc", 3, false, 0},      {L"\xE4", L"\xC4", 0, true, 1},
         {L"\xFFFF", L"\x0001", 0, false, 1}, {L"[", L"{", 0, true, -1},
+        {L"AZ", L"az", 0, true, 0},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Compare(row.a, row.b, row.count, row.ignoreCase), row.expected)

@@ -1,5 +1,6 @@
 #include "plugin/HelpButton.h"
 #include "support/ModuleFolder.h"
+#include "tests/CallStubs.h"
 #include "tests/PluginHarness.h"
 #include "tests/TestWindow.h"
 #include "toolkit/LabelFont.h"
@@ -9,6 +10,7 @@
 #include <oleacc.h>
 #include <shellapi.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -53,6 +55,7 @@ public:
     std::wstring Read(int64_t mode) { return CALL_PLUGIN(DSP_RemoveConfigBit, plugin.Instance(), mode); }
 
     OwnedWindow host = MakeTopWindow();
+    CallStubs stubs;       // goes after the library that calls through them
     PluginInstance plugin; // goes before its host window
 };
 
@@ -64,9 +67,11 @@ TEST_F(Panel, HasItsControls) {
     EXPECT_EQ(GetWindowLongW(panel, GWL_STYLE) & ~(WS_SYSMENU | DS_3DLOOK),
               LONG{WS_CHILD | WS_VISIBLE | DS_CONTROL | DS_SETFONT | DS_FIXEDSYS});
     EXPECT_EQ(PlaceOf(panel), Mapped(panel, {0, 0, 300, 79}));
+    const HDC dc = GetDC(panel);
     LOGFONTW font = {};
     GetObjectW(reinterpret_cast<HFONT>(SendMessageW(panel, WM_GETFONT, 0, 0)), sizeof(font), &font);
     EXPECT_STREQ(font.lfFaceName, L"MS Shell Dlg");
+    EXPECT_EQ(font.lfHeight, -MulDiv(8, GetDeviceCaps(dc, LOGPIXELSY), 72));
     EXPECT_EQ(font.lfWeight, 400);
 
     constexpr DWORD kLabel = WS_CHILD | WS_VISIBLE | WS_GROUP;
@@ -88,7 +93,6 @@ TEST_F(Panel, HasItsControls) {
         {kExtension, L"Edit", L"", {58, 15, 59, 14}, kEdit},
         {-1, L"Static", L"(default = .xml)", {120, 18, 52, 8}, kLabel | WS_DISABLED},
     };
-    const HDC dc = GetDC(panel);
     HWND control = GetWindow(panel, GW_CHILD);
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.className << row.id << ' ' << row.text);
@@ -252,7 +256,10 @@ TEST_F(Panel, StandsWhereTheHostWantsIt) {
         LONG left, top;
     } rows[] = {{30, 40, 30, 40}, {-12345, 40, 0, 40}, {30, -12345, 30, 0}, {-5, -12344, -5, -12344}};
     for (const auto& row : rows) {
+        const OwnedWindow sibling(CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 10, 10, host.Get(),
+                                                  nullptr, nullptr, nullptr));
         const HWND panel = Show(L"", row.x, row.y);
+        EXPECT_EQ(GetWindow(panel, GW_HWNDPREV), sibling.Get()) << "it stays behind what was there before";
         const Place size = Mapped(panel, {0, 0, 300, 79});
         EXPECT_EQ(PlaceOf(panel), (Place{row.left, row.top, size[2], size[3]}));
     }
@@ -303,17 +310,24 @@ public:
     virtual void Unused4() {}
     virtual void Unused5() {}
     virtual void Unused6() {}
-    virtual HRESULT SetHwndPropStr(HWND control, DWORD, DWORD, MSAAPROPID id, const wchar_t* name) {
-        calls += GetDlgCtrlID(control) == kXsltFile && id == PROPID_ACC_NAME ? name : L"?";
+    virtual HRESULT SetHwndPropStr(HWND control, DWORD object, DWORD child, MSAAPROPID id,
+                                   const wchar_t* name) {
+        calls += IsNameOfField(control, object, child, id) ? name : L"?";
         return S_OK;
     }
     virtual void Unused8() {}
-    virtual HRESULT ClearHwndProps(HWND control, DWORD, DWORD, const MSAAPROPID* id, int count) {
-        calls += IsWindow(control) && count == 1 && *id == PROPID_ACC_NAME ? L" cleared;" : L"?";
+    virtual HRESULT ClearHwndProps(HWND control, DWORD object, DWORD child, const MSAAPROPID* id, int count) {
+        calls += IsNameOfField(control, object, child, *id) && count == 1 ? L" cleared;" : L"?";
         return S_OK;
     }
 
     std::wstring calls; // the names that were set
+
+private:
+    static bool IsNameOfField(HWND control, DWORD object, DWORD child, const MSAAPROPID& id) {
+        return GetDlgCtrlID(control) == kXsltFile && object == static_cast<DWORD>(OBJID_CLIENT) &&
+               child == CHILDID_SELF && id == PROPID_ACC_NAME;
+    }
 };
 
 TEST_F(Panel, NamesItsFirstField) {
@@ -334,12 +348,28 @@ TEST_F(Panel, NamesItsFirstField) {
     CoUninitialize();
 }
 
-TEST_F(Panel, LeavesTheMultiThreadedApartmentAsItIs) {
-    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);
-    Show();
-    Read(kClose);
-    EXPECT_EQ(CoInitialize(nullptr), RPC_E_CHANGED_MODE);
-    CoUninitialize();
+TEST_F(Panel, LeavesTheThreadsApartmentAsItIs) {
+    for (const DWORD apartment : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED}) {
+        ASSERT_EQ(CoInitializeEx(nullptr, apartment), S_OK) << "nothing is left of the one before";
+        Show();
+        Read(kClose);
+        const DWORD other = apartment ^ COINIT_APARTMENTTHREADED;
+        EXPECT_EQ(CoInitializeEx(nullptr, other), RPC_E_CHANGED_MODE) << "the thread has left its own";
+        CoUninitialize();
+    }
+}
+
+TEST_F(Panel, GivesTheFileDialogRoomForAPath) {
+    static OPENFILENAMEW asked;
+    const auto stub = [](OPENFILENAMEW* dialog) -> BOOL {
+        asked = *dialog;
+        return FALSE;
+    };
+    stubs.AddImports(PluginModule());
+    stubs["GetOpenFileNameW"].target = reinterpret_cast<void*>(+stub);
+    SendDlgItemMessageW(Show(), kBrowse, BM_CLICK, 0, 0);
+    EXPECT_EQ(asked.nMaxFile, 260u) << "units";
+    EXPECT_EQ(asked.Flags, 0u);
 }
 
 constexpr int kFileName = 0x47c; // controls of the system's file dialog
@@ -348,7 +378,9 @@ constexpr int kFileTypes = 0x470;
 /// Presses Browse and lets `answer` deal with the file dialog once it is there, from inside its message loop.
 void Browse(HWND panel, const std::function<void(HWND dialog)>& answer) {
     static const std::function<void(HWND)>* user;
+    static ULONGLONG end;
     user = &answer;
+    end = GetTickCount64() + 60'000;
     const auto look = [](HWND host, UINT, UINT_PTR timer, DWORD) {
         HWND dialog = nullptr; // other tests may have one open as well
         do {
@@ -357,6 +389,9 @@ void Browse(HWND panel, const std::function<void(HWND dialog)>& answer) {
         if (IsWindowVisible(dialog)) {
             KillTimer(host, timer);
             (*user)(dialog);
+        } else if (GetTickCount64() > end) {
+            ADD_FAILURE() << "no file dialog";
+            std::_Exit(1); // the plug-in waits for it
         }
     };
     SetTimer(GetAncestor(panel, GA_ROOT), 1, 10, look);

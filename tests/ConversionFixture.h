@@ -3,8 +3,6 @@
 #include "tests/Decoders.h"
 #include "tests/PluginHarness.h"
 
-#include <algorithm>
-
 /// A conversion as the host reports it, with real files and one fixture decoder for both.
 class ConversionTest : public testing::Test {
 protected:
@@ -70,17 +68,6 @@ protected:
     std::wstring Convert(const std::wstring& settings = L"") {
         plugin.Convert(settings, Info());
         return plugin.Trace();
-    }
-
-    /// The highest of many new handles: one that was left open raises it, as not all systems count handles.
-    static size_t HighestFreshHandle() {
-        std::vector<OwnedHandle> fresh;
-        size_t highest = 0;
-        for (int i = 0; i < 100; ++i) {
-            fresh.emplace_back(CreateEventW(nullptr, FALSE, FALSE, nullptr));
-            highest = std::max(highest, reinterpret_cast<size_t>(fresh.back().Get()));
-        }
-        return highest;
     }
 
     static std::string Narrow(const std::wstring& ascii) { return std::string(ascii.begin(), ascii.end()); }

@@ -1,5 +1,6 @@
 #include "tests/CallStubs.h"
 #include "tests/ConversionFixture.h"
+#include "tests/ProcessUse.h"
 #include "tests/TestWindow.h"
 
 #include <malloc.h>

@@ -25,14 +25,16 @@ TEST(HostTool, TellsWhatCameOut) {
     } rows[] = {
         {L"s.wave c.wave", 0, {"c.wave: ", "\\c.xml, "}},
         {L"--settings \"-ext=\\\".txt\\\"\" - c.wave", 0, {"\\c.txt, "}},
-        {L"--repeat 3 s.wave c.wave", 0, {"3 conversions, each "}},
-        {L"--trace t --errors e s.wave gone.wave", 1, {"wav.dll cannot read", "exist '", "gone.wave'\n"}},
-        {L"s.wave c._", 1, {"extension ._", "did not write", "Write XML incompatible"}},
+        {L"--trace t --errors e s.wave gone.wave", 1, {"There is no file ", "exist '", "gone.wave'\n"}},
+        {L"--settings \"-xsltfile=gone.xsl\" s.wave c.wave",
+         1,
+         {"c.xml, 0 bytes", "no style sheet gone.xsl"}},
+        {L"s.wave t", 1, {"No decoder library reads files with the extension ."}},
+        {L"s.wave c._", 1, {"There is no file ", "did not write", "Write XML incompatible"}},
         {L"--plugin @..\\..\\tools\\decoder\\wav.dll s.wave c.wave", 1, {"does not export DSP_Create"}},
         {L"", 2, {"one SOURCE and one CONVERTED"}},
         {L"--none a b", 2, {"unknown option --none"}},
         {L"a b --trace", 2, {"--trace needs a value"}},
-        {L"--repeat 4294967297 a b", 2, {"--repeat needs a number"}},
     };
     for (const auto& row : rows) {
         std::wstring arguments = row.arguments;

@@ -10,10 +10,12 @@ namespace {
 
 constexpr uint64_t kBlockSize = 65536;
 
-int64_t Ticks() noexcept {
-    LARGE_INTEGER ticks = {};
-    QueryPerformanceCounter(&ticks);
-    return ticks.QuadPart;
+/// Whether an export answered 1; else reports it.
+bool IsDone(const wchar_t* name, int32_t answer) {
+    if (answer != 1) {
+        PrintError(Concat(L"The plug-in answers ", XString::FromInt64(answer), L" to ", name));
+    }
+    return answer == 1;
 }
 
 Section AudioOf(BoundedFile& file) {
@@ -39,17 +41,6 @@ bool Conversion::GatherFacts() {
     return hasSource && hasConverted;
 }
 
-template<class Call>
-bool Conversion::Timed(const wchar_t* name, Call call) {
-    const int64_t start = Ticks();
-    const int32_t result = call();
-    m_ticks += Ticks() - start;
-    if (result != 1) {
-        PrintError(Concat(L"The plug-in answers ", XString::FromInt64(result), L" to ", name));
-    }
-    return result == 1;
-}
-
 bool Conversion::PassAudio(const PluginInstance& instance) {
     BoundedFile file;
     if (!file.Open(m_options.source.Text())) {
@@ -65,8 +56,8 @@ bool Conversion::PassAudio(const PluginInstance& instance) {
         }
         std::vector<uint8_t> passed = block;
         const uint32_t size = static_cast<uint32_t>(passed.size());
-        if (!Timed(L"DSP_PassAudioBlock",
-                   [&] { return instance.Plugin().passAudioBlock(instance.Get(), passed.data(), size); })) {
+        if (!IsDone(L"DSP_PassAudioBlock",
+                    instance.Plugin().passAudioBlock(instance.Get(), passed.data(), size))) {
             return false;
         }
         if (passed != block) {
@@ -79,13 +70,12 @@ bool Conversion::PassAudio(const PluginInstance& instance) {
 
 bool Conversion::Run(const PluginInstance& instance) {
     const PluginLibrary& plugin = instance.Plugin();
-    bool done = Timed(L"DSP_BeginConversion", [&] {
-        return plugin.beginConversion(instance.Get(), nullptr, m_options.settings.Text(), nullptr);
-    });
+    bool done = IsDone(L"DSP_BeginConversion",
+                       plugin.beginConversion(instance.Get(), nullptr, m_options.settings.Text(), nullptr));
     if (HasSourceFile()) {
         done = PassAudio(instance) && done;
     }
-    done = Timed(L"DSP_EndConversion", [&] { return plugin.endConversion(instance.Get()); }) && done;
+    done = IsDone(L"DSP_EndConversion", plugin.endConversion(instance.Get())) && done;
 
     AfterConversionInfo info = {};
     info.sourceFileName = m_options.source.Text();
@@ -95,12 +85,5 @@ bool Conversion::Run(const PluginInstance& instance) {
     info.destIDTagsSize = m_converted.idTags.Size();
     info.sourceAudioProperties = m_source.audioProperties.Data();
     info.sourceAudioPropertiesSize = m_source.audioProperties.Size();
-    return Timed(L"DSP_AfterConversion", [&] { return plugin.afterConversion(instance.Get(), &info); }) &&
-           done;
-}
-
-double Conversion::Milliseconds() const noexcept {
-    LARGE_INTEGER frequency = {};
-    QueryPerformanceFrequency(&frequency);
-    return 1000.0 * static_cast<double>(m_ticks) / static_cast<double>(frequency.QuadPart);
+    return IsDone(L"DSP_AfterConversion", plugin.afterConversion(instance.Get(), &info)) && done;
 }

@@ -4,8 +4,6 @@
 #include "tools/host/Options.h"
 #include "tools/host/PluginLibrary.h"
 
-#include <cstdint>
-
 /// The conversion of one file, as the plug-in sees it.
 class Conversion {
 public:
@@ -22,17 +20,11 @@ public:
     /// the audio was changed.
     bool Run(const PluginInstance& instance);
 
-    /// Time spent in calls of the plug-in by all runs so far.
-    double Milliseconds() const noexcept;
-
 private:
-    template<class Call>
-    bool Timed(const wchar_t* name, Call call);
     bool HasSourceFile() const noexcept;
     bool PassAudio(const PluginInstance& instance);
 
     const Options& m_options;
     DecoderReport m_source;
     DecoderReport m_converted;
-    int64_t m_ticks = 0;
 };

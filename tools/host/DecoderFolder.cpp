@@ -27,6 +27,10 @@ void CopyList(ByteBuffer& out, const void* list, int32_t size) {
 } // namespace
 
 bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, DecoderReport& report) {
+    if (!FileExists(fileName)) {
+        PrintError(Concat(L"There is no file ", fileName));
+        return false;
+    }
     const XString extension = GetFileExt(fileName);
     clZentaroDecoder decoder;
     if (!FindLibrary(extension, decoder)) {

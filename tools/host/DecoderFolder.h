@@ -13,5 +13,6 @@ struct DecoderReport {
 
 /// Reads what `openFlags` (OpenFlags) ask for with the first library in the folder "decoder" beside the
 /// program that lists the file's extension. The converter knows its libraries, so no registry cache is used.
-/// False, after a message, when no library lists the extension or the library cannot read the file.
+/// False, after a message, when there is no such file, no library lists the extension or the library cannot
+/// read the file.
 bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, DecoderReport& report);

@@ -2,17 +2,22 @@
 
 #include "plugin/ParseOptions.h"
 #include "support/Paths.h"
+#include "support/XFileFind.h"
 #include "tools/host/Console.h"
 
 namespace {
 
-XString DocumentPath(const Options& options) {
+XString Setting(const Options& options, const wchar_t* name) {
     OptionLists settings;
     ParseOptions(settings, options.settings);
-    if (XString name(FindOption(settings, L"filename")); !name.IsEmpty()) {
+    return XString(FindOption(settings, name));
+}
+
+XString DocumentPath(const Options& options) {
+    if (XString name = Setting(options, L"filename"); !name.IsEmpty()) {
         return name;
     }
-    const XString extension(FindOption(settings, L"ext"));
+    const XString extension = Setting(options, L"ext");
     return Concat(GetFilePath(options.converted), GetFileNameNoExt(options.converted),
                   extension.IsEmpty() ? L".xml" : extension.Text());
 }
@@ -27,7 +32,12 @@ WIN32_FILE_ATTRIBUTE_DATA Attributes(const XString& path) {
 } // namespace
 
 DocumentFile::DocumentFile(const Options& options)
-    : m_path(DocumentPath(options)), m_writtenBefore(Attributes(m_path).ftLastWriteTime) {}
+    : m_styleSheet(Setting(options, L"xsltfile")), m_path(DocumentPath(options)),
+      m_writtenBefore(Attributes(m_path).ftLastWriteTime) {}
+
+bool DocumentFile::LacksStyleSheet() const {
+    return !m_styleSheet.IsEmpty() && !FileExists(m_styleSheet);
+}
 
 int64_t DocumentFile::WrittenSize() const {
     const WIN32_FILE_ATTRIBUTE_DATA now = Attributes(m_path);

@@ -9,7 +9,7 @@
 #include <memory>
 
 const wchar_t* const kHelp =
-    LR"(Usage: dsphost [--plugin DLL] [--settings TEXT] [--trace FILE] [--errors FILE] [--repeat N] SOURCE CONVERTED
+    LR"(Usage: dsphost [--plugin DLL] [--settings TEXT] [--trace FILE] [--errors FILE] SOURCE CONVERTED
        dsphost --panel [--plugin DLL] [--settings TEXT] [--trace FILE] [--errors FILE]
 
 Stands in for the converter: loads the plug-in and drives it through the conversion of SOURCE, which may be "-"
@@ -20,18 +20,15 @@ two files comes from the decoder libraries in the folder "decoder" beside this p
   --settings TEXT  settings for the plug-in, such as  -ext=".txt" -xsltfile="C:\style sheets\a.xsl"
   --trace FILE     write the plug-in's trace to FILE (UTF-16)
   --errors FILE    write the plug-in's error lines to FILE, too (UTF-16)
-  --repeat N       convert N times with one instance of the plug-in and tell the time, memory and handles it took
   --help           show this text
 
 With --panel it shows the plug-in's settings panel in a window and converts nothing. OK prints the settings text
 that comes back; Cancel prints nothing and ends with exit status 1.
 
-Exit status: 0 when a document was written, 1 when something failed or the plug-in reported an error, 2 when the
-arguments are wrong.)";
+Exit status: 0 when a document was written, 1 when something failed, the document is empty or the plug-in reported
+an error, 2 when the arguments are wrong.)";
 
 namespace {
-
-constexpr uint32_t kMostRepeats = 1000000;
 
 using OwnedArguments = Owner<wchar_t**, LocalFree>;
 
@@ -57,18 +54,6 @@ XString Options::*FindTextOption(const XString& argument) {
         }
     }
     return nullptr;
-}
-
-bool ParseRepeat(const XString& text, uint32_t& repeat) {
-    repeat = 0;
-    for (size_t pos = 1; pos <= text.Size(); ++pos) {
-        const wchar_t unit = text.At(pos);
-        if (unit < L'0' || unit > L'9' || repeat > kMostRepeats) {
-            return false;
-        }
-        repeat = repeat * 10 + static_cast<uint32_t>(unit - L'0');
-    }
-    return repeat >= 1 && repeat <= kMostRepeats;
 }
 
 /// The plug-in must get whole paths. An empty path, "-" and what the system refuses stay as they are.
@@ -100,7 +85,6 @@ XString ParseArguments(const XStringList& arguments, Options& options) {
     for (size_t i = 0; i < arguments.Count(); ++i) {
         const XString& argument = arguments[i];
         XString Options::*const textValue = FindTextOption(argument);
-        const bool isRepeat = IsEqual(argument, L"--repeat");
         if (IsEqual(argument, L"--help")) {
             options.help = true;
             return XString();
@@ -109,15 +93,11 @@ XString ParseArguments(const XStringList& arguments, Options& options) {
             options.panel = true;
             continue;
         }
-        if (textValue != nullptr || isRepeat) {
+        if (textValue != nullptr) {
             if (++i == arguments.Count()) {
                 return Concat(argument, L" needs a value");
             }
-            if (textValue != nullptr) {
-                (options.*textValue).Assign(arguments[i].Text());
-            } else if (!ParseRepeat(arguments[i], options.repeat)) {
-                return Concat(argument, L" needs a number from 1 to ", XString::FromInt64(kMostRepeats));
-            }
+            (options.*textValue).Assign(arguments[i].Text());
         } else if (argument.At(1) == L'-' && argument.Size() > 1) {
             return Concat(L"unknown option ", argument);
         } else if (++fileCount <= 2) {

@@ -3,16 +3,13 @@
 #include "support/XString.h"
 #include "support/XStringList.h"
 
-#include <cstdint>
-
 /// What the command line asks for. All paths are absolute.
 struct Options {
     XString plugin;    ///< the plug-in library
     XString settings;  ///< settings text for the plug-in, as the user stored it
     XString traceFile; ///< receives the plug-in's trace; empty for none
     XString errorFile; ///< receives the plug-in's error lines; empty for none
-    uint32_t repeat = 1;
-    XString source; ///< "-" when there is no source file on disk
+    XString source;    ///< "-" when there is no source file on disk
     XString converted;
     bool panel = false; ///< show the settings panel and convert nothing
     bool help = false;

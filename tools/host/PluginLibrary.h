@@ -1,20 +1,13 @@
 #pragma once
 
 #include "decoders/XDLL.h"
-#include "metadata/AfterConversionInfo.h"
-#include "support/DebugLog.h"
-
-#include <windows.h>
-
-#include <cstdint>
+#include "plugin/Exports.h"
 
 /// A plug-in library as the converter sees it: the module and its exports. plugin/Exports.h tells what each
 /// one does and in what order they are called. The members are null until `Load` succeeds; pointers and
 /// instances must not be used after the library's end.
 class PluginLibrary {
 public:
-    using Instance = void*;
-
     /// Loads the library (LoadLibraryW) and binds its exports, once. False when it cannot be loaded or lacks
     /// an export that a conversion needs.
     bool Load(const wchar_t* path);
@@ -22,20 +15,22 @@ public:
     /// After a failed Load: the first export that is missing, or null when the library did not load at all.
     const char* MissingExport() const noexcept { return m_missingExport; }
 
-    Instance (*create)(const CreateRecord* record) = nullptr;
-    int32_t (*destroy)(Instance instance) = nullptr;
-    int32_t (*beginConversion)(Instance instance, void*, const wchar_t* settings, void*) = nullptr;
-    int32_t (*endConversion)(Instance instance) = nullptr;
-    int32_t (*afterConversion)(Instance instance, const AfterConversionInfo* info) = nullptr;
-    int32_t (*passAudioBlock)(Instance instance, void* audio, uint32_t byteCount) = nullptr;
-    int32_t (*passNonLive)(Instance instance, void* audio, uint32_t byteCount) = nullptr;
-    int32_t (*get)(Instance instance, const wchar_t* key) = nullptr;
-    int32_t (*set)(Instance instance, const wchar_t* key) = nullptr;
+    decltype(DSP_Create)* create = nullptr;
+    decltype(DSP_Destroy)* destroy = nullptr;
+    decltype(DSP_BeginConversion)* beginConversion = nullptr;
+    decltype(DSP_EndConversion)* endConversion = nullptr;
+    decltype(DSP_AfterConversion)* afterConversion = nullptr;
+    decltype(DSP_Get)* get = nullptr;
+    decltype(DSP_Set)* set = nullptr;
+
+    // The converter passes the audio, which the plug-in's own declaration leaves out.
+    using PassAudio = int32_t(clDSP_WriteMetadataFile* instance, void* audio, uint32_t byteCount);
+    PassAudio* passAudioBlock = nullptr;
+    PassAudio* passNonLive = nullptr;
 
     // The settings panel; both are null in a library without one.
-    HWND(*showConfigBit)
-    (Instance instance, HWND parent, int32_t x, int32_t y, const wchar_t* settings) = nullptr;
-    const wchar_t* (*removeConfigBit)(Instance instance, int64_t mode) = nullptr;
+    decltype(DSP_ShowConfigBit)* showConfigBit = nullptr;
+    decltype(DSP_RemoveConfigBit)* removeConfigBit = nullptr;
 
 private:
     template<class Function>
@@ -55,9 +50,9 @@ public:
     ~PluginInstance() { m_plugin->destroy(m_instance); }
 
     const PluginLibrary& Plugin() const noexcept { return *m_plugin; }
-    PluginLibrary::Instance Get() const noexcept { return m_instance; }
+    clDSP_WriteMetadataFile* Get() const noexcept { return m_instance; }
 
 private:
     const PluginLibrary* m_plugin;
-    PluginLibrary::Instance m_instance;
+    clDSP_WriteMetadataFile* m_instance;
 };

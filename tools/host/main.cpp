@@ -5,9 +5,7 @@
 #include "tools/host/LogFiles.h"
 #include "tools/host/Options.h"
 #include "tools/host/Panel.h"
-#include "tools/host/ProcessUse.h"
 
-#include <cwchar>
 #include <string>
 #include <string_view>
 
@@ -29,27 +27,11 @@ bool LoadPlugin(PluginLibrary& plugin, const XString& path) {
     return false;
 }
 
-void PrintTiming(const Options& options, const Conversion& conversion, const ProcessUse& first) {
-    const ProcessUse last = ProcessUse::Now();
-    wchar_t text[160];
-    std::swprintf(text, std::size(text),
-                  L"%u conversions, each %.3f ms in the plug-in; from first to last: memory %llu to %llu KB, "
-                  L"handles %lu to %lu",
-                  options.repeat, conversion.Milliseconds() / options.repeat,
-                  static_cast<unsigned long long>(first.privateBytes / 1024),
-                  static_cast<unsigned long long>(last.privateBytes / 1024), first.handles, last.handles);
-    PrintLine(XString(text));
-}
-
 bool Convert(const PluginInstance& instance, const Options& options) {
     Conversion conversion(options);
     const bool hasFacts = conversion.GatherFacts();
     const DocumentFile document(options);
-    bool done = conversion.Run(instance);
-    const ProcessUse afterFirst = ProcessUse::Now();
-    for (uint32_t i = 1; done && i < options.repeat; ++i) {
-        done = conversion.Run(instance);
-    }
+    const bool done = conversion.Run(instance);
     const int64_t size = document.WrittenSize();
     if (size < 0) {
         PrintError(Concat(L"The plug-in did not write ", document.Path()));
@@ -57,8 +39,10 @@ bool Convert(const PluginInstance& instance, const Options& options) {
     }
     PrintLine(Concat(GetFileName(options.converted), L": ", document.Path(), L", ", XString::FromInt64(size),
                      L" bytes"));
-    if (options.repeat > 1) {
-        PrintTiming(options, conversion, afterFirst);
+    if (size == 0) {
+        PrintError(document.LacksStyleSheet() ? Concat(L"There is no style sheet ", document.StyleSheet())
+                                              : XString(L"The document is empty"));
+        return false;
     }
     return hasFacts && done;
 }

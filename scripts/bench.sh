@@ -2,6 +2,7 @@
 # Measures the plug-in against other ways to do the same; docs/performance.md tells what the rows mean.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+no_arguments "$@"
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git googletest wine wine64 \
     librapidxml-dev

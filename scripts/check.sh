@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
-# Formatting and static analysis of our own sources; any finding fails. Needs a configured build of mingw-release.
-set -euo pipefail
-cd "$(dirname "$0")/.."
-source scripts/common.sh
+# Formatting and static analysis of our own sources; any finding fails.
 
-install_packages clang-format clang-tidy cppcheck librapidxml-dev
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+no_arguments "$@"
+
+install_packages clang-format clang-tidy cppcheck g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git \
+    googletest librapidxml-dev
+
+cd "$root"
+cmake --preset mingw-release >/dev/null # lists for clang-tidy how each source is compiled
 
 mapfile -t sources < <(git ls-files '*.cpp')
 mapfile -t headers < <(git ls-files '*.h')

@@ -1,4 +1,4 @@
-# Functions that the scripts of this folder share; to be sourced.
+# Functions that the scripts of this folder share; to be sourced. Any script answers --help with its head comment.
 
 set -euo pipefail
 
@@ -11,6 +11,24 @@ fail() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
     exit 1
 }
+
+# wrong_arguments MESSAGE: what is wrong and what is allowed.
+wrong_arguments() {
+    printf '%s: %s (--help shows more)\n' "${0##*/}" "$*" >&2
+    exit 2
+}
+
+# no_arguments "$@": for scripts that take none.
+no_arguments() {
+    (($# == 0)) || wrong_arguments "takes no arguments, but was given \"$1\""
+}
+
+for argument; do
+    if [[ $argument == --help || $argument == -h ]]; then
+        sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0" # from below the first line to the end of its comment
+        exit
+    fi
+done
 
 # at_exit COMMAND: runs COMMAND when the script ends, the last one given first.
 exit_commands=()

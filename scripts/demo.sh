@@ -9,16 +9,27 @@
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 source "$root/scripts/style-sheets.sh"
 
-recordings=()
-for file; do
-    recordings+=("$(realpath -e -- "$file")")
-done
+# take_recordings FILE…: the absolute paths of what is to be converted, in `recordings`.
+take_recordings() {
+    local file name
+    local -A taken=()
+    recordings=()
+    for file; do
+        name=$(basename -- "${file%.*}")
+        [[ -f $file && -r $file ]] || wrong_arguments "there is no readable file \"$file\""
+        [[ $(head -c 12 -- "$file" | tr -d '\0') == RIFF*WAVE ]] || wrong_arguments "\"$file\" is no WAVE file"
+        [[ -z ${taken[$name]-} ]] || wrong_arguments "\"${taken[$name]}\" and \"$file\" have one name, \"$name\""
+        taken[$name]=$file
+        recordings+=("$(realpath -- "$file")")
+    done
+}
+take_recordings "$@"
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
     wine wine64 flac ffmpeg alsa-utils libxml2-utils xsltproc
 
-if ((${#recordings[@]} == 0)); then
-    recordings=(/usr/share/sounds/alsa/*.wav)
+if (($# == 0)); then
+    take_recordings /usr/share/sounds/alsa/*.wav
 fi
 
 build mingw-release WriteMetadataFile dsphost wav flac
@@ -26,15 +37,28 @@ start_wine wine
 
 demo=$root/build/demo
 build=$root/build/mingw-release
-rm -rf "$demo"
-mkdir -p "$demo"
 
 # convert WAV FLAC TITLE: as the converter would, with tags that put the plug-in to the test.
 convert() {
     flac --silent --no-preserve-modtime --output-name "$2" \
         --tag "TITLE=$3" --tag "ARTIST=Zoë Ångström" --tag "ARTIST=Łukasz & Żaneta" --tag "ALBUM=Loudspeakers" \
-        --picture "$root/tests/data/cover.png" -- "$1"
+        --picture "$root/tests/data/cover.png" -- "$1" || fail "flac does not convert $1"
 }
+
+title_of() {
+    local name
+    name=$(basename "${1%.*}")
+    echo "Hörprobe „${name//_/ }“"
+}
+
+# The last demo goes when all recordings of the new one are converted.
+rm -rf "$demo.new"
+mkdir -p "$demo.new"
+for wav in "${recordings[@]}"; do
+    convert "$wav" "$demo.new/$(basename "${wav%.*}").flac" "$(title_of "$wav")"
+done
+rm -rf "$demo"
+mv "$demo.new" "$demo"
 
 # check DOCUMENT TITLE: a parser accepts the document, and what was tagged is in it.
 check() {
@@ -47,16 +71,11 @@ check() {
 
 count=0
 for wav in "${recordings[@]}"; do
-    name=$(basename "${wav%.*}")
-    title="Hörprobe „${name//_/ }“"
-    converted=$demo/$name.flac
-    document=$demo/$name.xml
-    [[ ! -e $converted ]] || fail "two recordings are named $name"
-
-    convert "$wav" "$converted" "$title"
+    converted=$demo/$(basename "${wav%.*}").flac
+    document=${converted%.flac}.xml
     printf '[%d/%d] ' $((++count)) ${#recordings[@]}
     run_wine "$build/tools/dsphost.exe" "$(windows_path "$wav")" "$(windows_path "$converted")" </dev/null
-    check "$document" "$title"
+    check "$document" "$(title_of "$wav")"
     transform "$build" "$wav" "$converted" >/dev/null
 done
 

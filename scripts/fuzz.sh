@@ -2,13 +2,16 @@
 # Fuzzes the code that calls no Win32 and the sample decoders, natively, with address and undefined-behaviour
 # sanitizers. A fault fails the script and leaves its input in build/linux-asan/fuzz.
 #
-#   scripts/fuzz.sh [SECONDS]      that long for each target, as many at a time as there are processors; 60
+#   scripts/fuzz.sh [SECONDS]
 #
+# Each target runs for SECONDS, 60 unless given; as many run at a time as there are processors.
 # What inputs were found to be worth keeping stays in build/linux-asan/fuzz/corpus for the next run.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-seconds=${1:-60}
+seconds=${1-60}
+(($# < 2)) || wrong_arguments "takes one argument, SECONDS, but was given $#"
+[[ $seconds =~ ^[1-9][0-9]{0,5}$ ]] || wrong_arguments "\"$seconds\" is no number of seconds from 1 to 999999"
 
 install_packages clang libclang-rt-14-dev cmake ninja-build googletest
 

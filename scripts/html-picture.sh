@@ -2,6 +2,7 @@
 # Makes docs/html-page.png anew: the page that Html.xslt makes of a sample document, in headless Chromium.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+no_arguments "$@"
 
 install_packages chromium python3 xsltproc libxml2-utils flac ffmpeg imagemagick
 

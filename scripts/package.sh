@@ -4,6 +4,7 @@
 # converter gets a document and a page from it where it was unzipped.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+no_arguments "$@"
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git googletest wine wine64 \
     zip unzip flac alsa-utils libxml2-utils

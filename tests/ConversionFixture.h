@@ -70,7 +70,11 @@ protected:
         return plugin.Trace();
     }
 
-    static std::string Narrow(const std::wstring& ascii) { return std::string(ascii.begin(), ascii.end()); }
+    /// In UTF-8.
+    static std::string Narrow(const std::wstring& text) {
+        const std::u8string units = std::filesystem::path(text).u8string();
+        return std::string(units.begin(), units.end());
+    }
 
     Decoders decoders;
     FixtureBehaviour& library = decoders.Add(L"lib.dll");

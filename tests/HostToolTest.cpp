@@ -31,7 +31,7 @@ TEST(HostTool, TellsWhatCameOut) {
          {"c.xml, 0 bytes", "no style sheet gone.xsl"}},
         {L"s.wave t", 1, {"No decoder library reads files with the extension ."}},
         {L"s.wave c._", 1, {"There is no file ", "did not write", "Write XML incompatible"}},
-        {L"--plugin @..\\..\\tools\\decoder\\wav.dll s.wave c.wave", 1, {"does not export DSP_Create"}},
+        {L"--plugin \"@..\\..\\tools\\decoder\\wav.dll\" s.wave c.wave", 1, {"does not export DSP_Create"}},
         {L"", 2, {"one SOURCE and one CONVERTED"}},
         {L"--none a b", 2, {"unknown option --none"}},
         {L"a b --trace", 2, {"--trace needs a value"}},

@@ -69,3 +69,7 @@ grep -q '>Packed<.*</html>' <(tr -d '\r\n' <music/song.html) || fail "the page l
 
 printf '\n%s\n%s bytes, SHA-256 %s, the same from both builds\n' "$zip" "$(stat -c %s "$zip")" \
     "$(sha256sum <"$zip" | cut -d ' ' -f 1)"
+
+"$root/scripts/check-package.sh"
+cmp WriteMetadataFile.dll <(unzip -p "${zip%.zip}-check.zip" dist/WriteMetadataFile.dll) ||
+    fail "the check has another library, as there are changes that are not committed"

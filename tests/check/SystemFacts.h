@@ -1,0 +1,8 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+/// What the results may depend on, in lines: the plug-in's version, those of Windows, Wine and MSXML, and the
+/// user's locale, code page and dpi.
+std::string SystemFacts(const std::filesystem::path& plugin);

@@ -30,7 +30,7 @@ start_display
 start_wine wine-check
 cd "$user"
 wine reg add 'HKCU\Software\Brevik\Zentaro\DecoderCache64' /v .ogg /t REG_SZ /d 'C:\o g.dll' /f >/dev/null 2>&1
-timeout 1800 "$root/cmake/run-under-wine.sh" cmd /c check.cmd </dev/null ||
+timeout 1800 "$root/cmake/run-under-wine.sh" cmd /c check.cmd </dev/null 2>"$work/wine.log" ||
     { cat check.log >&2 && fail "the check fails"; }
 
 tests_in_log() {

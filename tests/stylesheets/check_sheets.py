@@ -21,10 +21,9 @@ from collections import Counter
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
-from documents import FACTS, FORMAT, NUMBERS, entry_line, samples, with_line_ends
+from documents import FACTS, FORMAT, NUMBERS, SCHEMA, entry_line, samples, with_line_ends
 
 ROOT = Path(__file__).resolve().parents[2]
-SCHEMA = ROOT / "docs" / "AudioMetadata.xsd"
 METAFLAC_LINE = 65534  # bytes that metaflac takes in one line
 FLAC_NAMES = {"tracknumber": "track", "discnumber": "disc", "albumartist": "album_artist",
               "description": "comment"}  # what ffmpeg calls these comments of a FLAC file
@@ -51,7 +50,7 @@ class Content:
 
     def __init__(self, xml):
         def text(element):
-            return element.text if element.text and element.text.strip(" \t\n") else ""
+            return element.text if element is not None and element.text and element.text.strip(" \t\n") else ""
         self.facts, self.format, self.lists = {}, {}, {}
         for side in ElementTree.fromstring(xml):
             self.facts[side.tag] = {fact: text(side.find(fact)) for fact in FACTS}

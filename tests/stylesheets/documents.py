@@ -1,12 +1,22 @@
 """Sample documents: speech.xml and nasty.xml of this folder, and others made of them."""
 import re
+import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 from xml.sax import saxutils
 
-NUMBERS = ("FileSize", "FileLength", "FileBitrate")
-FORMAT = ("Channels", "SamplesPerSec", "BitsPerSample", "AvgBytesPerSec")
-FACTS = ("FileName", "FileNameNoExt", "FileNameExt", "FileNamePath", *NUMBERS, "FileCreated", "FileModified",
-         "FileAccessed")
+SCHEMA = Path(__file__).resolve().parents[2] / "docs" / "AudioMetadata.xsd"
+
+
+def schema_elements(record):
+    """Of one of the schema's records: the names of its elements, in order, and their types."""
+    xs = "{http://www.w3.org/2001/XMLSchema}"
+    elements = ElementTree.parse(SCHEMA).findall(f"{xs}complexType[@name='{record}']/{xs}sequence/{xs}element")
+    return {element.get("name"): element.get("type") for element in elements}
+
+
+FORMAT = tuple(schema_elements("AudioFormat"))
+FACTS = tuple(name for name in schema_elements("File") if name.startswith("File"))
+NUMBERS = tuple(name for name, kind in schema_elements("File").items() if "igned" in kind)
 
 
 def entry_line(name, value):

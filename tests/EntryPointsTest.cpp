@@ -66,7 +66,7 @@ TEST(EntryPoints, LoadingAndFreeingLeavesNothingBehind) {
         }
     };
     load(20); // what the system makes once is there after these
-    constexpr size_t kRounds = 100;
+    constexpr size_t kRounds = 50;
     const size_t handles = HighestFreshHandle();
     const size_t bytes = HeapUse();
     load(kRounds);

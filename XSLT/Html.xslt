@@ -192,11 +192,11 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                 <xsl:apply-templates select="." mode="label"/>
             </th>
             <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="$source/*[name() = name(current())]
+                <xsl:with-param name="fact" select="$source/*[name() = name(current())]
                     | $source/AudioFormat/*[name() = name(current())]"/>
             </xsl:call-template>
             <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="."/>
+                <xsl:with-param name="fact" select="."/>
             </xsl:call-template>
         </tr>
     </xsl:template>
@@ -205,77 +205,120 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         <xsl:variable name="name" select="concat(name(..), translate(@name, $upper, $lower))"/>
         <xsl:variable name="old" select="key('side', concat('SourceFile', $name))"/>
         <xsl:variable name="new" select="key('side', concat('ConvertedFile', $name))"/>
+        <xsl:variable name="oldValues">
+            <xsl:call-template name="values">
+                <xsl:with-param name="entries" select="$old"/>
+            </xsl:call-template>
+        </xsl:variable>
+        <xsl:variable name="newValues">
+            <xsl:call-template name="values">
+                <xsl:with-param name="entries" select="$new"/>
+            </xsl:call-template>
+        </xsl:variable>
         <tr>
             <th scope="row">
                 <bdi>
                     <xsl:value-of select="@name"/>
                 </bdi>
                 <xsl:if test="parent::IDTags and $sourceHasTags">
-                    <xsl:call-template name="difference">
-                        <xsl:with-param name="old" select="$old"/>
-                        <xsl:with-param name="new" select="$new"/>
-                    </xsl:call-template>
+                    <xsl:choose>
+                        <xsl:when test="not($old)">
+                            <xsl:value-of select="' '"/>
+                            <span class="note added">added</span>
+                        </xsl:when>
+                        <xsl:when test="not($new)">
+                            <xsl:value-of select="' '"/>
+                            <span class="note">lost</span>
+                        </xsl:when>
+                        <xsl:when test="string($oldValues) != string($newValues)">
+                            <xsl:value-of select="' '"/>
+                            <span class="note">changed</span>
+                        </xsl:when>
+                    </xsl:choose>
                 </xsl:if>
             </th>
-            <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="$old"/>
+            <xsl:call-template name="list">
+                <xsl:with-param name="entries" select="$old"/>
+                <xsl:with-param name="values" select="string($oldValues)"/>
             </xsl:call-template>
-            <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="$new"/>
+            <xsl:call-template name="list">
+                <xsl:with-param name="entries" select="$new"/>
+                <xsl:with-param name="values" select="string($newValues)"/>
             </xsl:call-template>
         </tr>
     </xsl:template>
 
-    <xsl:template name="difference">
-        <xsl:param name="old"/>
-        <xsl:param name="new"/>
-        <xsl:variable name="before">
-            <xsl:for-each select="$old">
-                <xsl:value-of select="concat(., '&#13;')"/>
-            </xsl:for-each>
-        </xsl:variable>
-        <xsl:variable name="after">
-            <xsl:for-each select="$new">
-                <xsl:value-of select="concat(., '&#13;')"/>
-            </xsl:for-each>
-        </xsl:variable>
-        <xsl:choose>
-            <xsl:when test="not($old)">
-                <xsl:value-of select="' '"/>
-                <span class="note added">added</span>
-            </xsl:when>
-            <xsl:when test="not($new)">
-                <xsl:value-of select="' '"/>
-                <span class="note">lost</span>
-            </xsl:when>
-            <xsl:when test="string($before) != string($after)">
-                <xsl:value-of select="' '"/>
-                <span class="note">changed</span>
-            </xsl:when>
-        </xsl:choose>
-    </xsl:template>
-
+    <!-- The cell of a fact that stands alone, such as the size. -->
     <xsl:template name="cell">
-        <xsl:param name="values"/>
+        <xsl:param name="fact"/>
         <xsl:choose>
-            <xsl:when test="not($values) or (not($values[2]) and $values = '' and not($values/@name))">
+            <xsl:when test="not($fact != '')">
                 <td class="none">&#x2013;</td>
             </xsl:when>
             <xsl:otherwise>
                 <td>
-                    <xsl:apply-templates select="$values" mode="value"/>
+                    <xsl:apply-templates select="$fact" mode="value"/>
                 </td>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
+
+    <!-- The cell of the entries of one name; values has a CR between those of different values. -->
+    <xsl:template name="list">
+        <xsl:param name="entries"/>
+        <xsl:param name="values"/>
+        <xsl:choose>
+            <xsl:when test="$entries">
+                <td>
+                    <xsl:call-template name="blocks">
+                        <xsl:with-param name="text" select="$values"/>
+                    </xsl:call-template>
+                </td>
+            </xsl:when>
+            <xsl:otherwise>
+                <td class="none">&#x2013;</td>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
+
+    <!-- A block for each of the values in text. Splits near the middle, so that the depth stays small. -->
+    <xsl:template name="blocks">
+        <xsl:param name="text"/>
+        <xsl:param name="tail"/>
+        <xsl:variable name="half" select="floor(string-length($text) div 2)"/>
+        <xsl:variable name="right" select="substring($text, $half + 1)"/>
+        <xsl:choose>
+            <xsl:when test="contains($right, '&#13;')">
+                <xsl:call-template name="blocks">
+                    <xsl:with-param name="text"
+                        select="concat(substring($text, 1, $half), substring-before($right, '&#13;'))"/>
+                </xsl:call-template>
+                <xsl:call-template name="blocks">
+                    <xsl:with-param name="text" select="substring-after($right, '&#13;')"/>
+                    <xsl:with-param name="tail" select="$tail"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:when test="contains($text, '&#13;')">
+                <xsl:call-template name="blocks">
+                    <xsl:with-param name="text" select="substring($text, 1, $half)"/>
+                    <xsl:with-param name="tail" select="concat($right, $tail)"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+                <div class="value" dir="auto">
+                    <!-- A long value gets a box that scrolls and that the keyboard can reach. -->
+                    <xsl:if test="string-length($text) + string-length($tail) &gt; 1200">
+                        <xsl:attribute name="class">value long</xsl:attribute>
+                        <xsl:attribute name="tabindex">0</xsl:attribute>
+                    </xsl:if>
+                    <xsl:value-of select="concat($text, $tail)"/>
+                </div>
             </xsl:otherwise>
         </xsl:choose>
     </xsl:template>
 
     <xsl:template match="*" mode="value">
         <div class="value" dir="auto">
-            <!-- A long value gets a box that scrolls and that the keyboard can reach. -->
-            <xsl:if test="string-length() &gt; 1200">
-                <xsl:attribute name="class">value long</xsl:attribute>
-                <xsl:attribute name="tabindex">0</xsl:attribute>
-            </xsl:if>
             <xsl:value-of select="."/>
         </div>
     </xsl:template>
@@ -311,4 +354,55 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
     <xsl:template match="SamplesPerSec" mode="label">Samples per second</xsl:template>
     <xsl:template match="BitsPerSample" mode="label">Bits per sample</xsl:template>
     <xsl:template match="AvgBytesPerSec" mode="label">Bytes per second</xsl:template>
+
+    <!--
+        Writes the values of one tag, $entries, with a CR between them: no value holds one. A value with
+        Windows line ends was cut at the CR of each, so an entry that begins with LF goes on with the value
+        before it. An empty entry was LF alone if the nearest entry with a text before or after it begins so.
+
+        For a part of the entries, $before and $after are those nearest entries. Halves keep the depth small.
+    -->
+    <xsl:template name="values">
+        <xsl:param name="entries"/>
+        <xsl:param name="before" select="/.."/>
+        <xsl:param name="after" select="/.."/>
+        <xsl:variable name="half" select="floor(count($entries) div 2)"/>
+        <xsl:variable name="last" select="$entries[position() &lt;= $half][
+            . != '' or not(@name = preceding-sibling::*[1]/@name)][last()]"/>
+        <xsl:variable name="next" select="$entries[position() &gt; $half][
+            . != '' or not(@name = preceding-sibling::*[1]/@name)][1]"/>
+        <xsl:choose>
+            <xsl:when test="($last or $next) and $entries[. = '' and @name = preceding-sibling::*[1]/@name]
+                and ($entries[starts-with(., '&#10;')] or starts-with($before, '&#10;')
+                or starts-with($after, '&#10;'))">
+                <xsl:call-template name="values">
+                    <xsl:with-param name="entries" select="$entries[position() &lt;= $half]"/>
+                    <xsl:with-param name="before" select="$before"/>
+                    <xsl:with-param name="after" select="$next | $after[not($next)]"/>
+                </xsl:call-template>
+                <xsl:call-template name="values">
+                    <xsl:with-param name="entries" select="$entries[position() &gt; $half]"/>
+                    <xsl:with-param name="before" select="$last | $before[not($last)]"/>
+                    <xsl:with-param name="after" select="$after"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:variable name="blank" select="boolean(($before | $after)[starts-with(., '&#10;')
+                    and @name = preceding-sibling::*[1]/@name])"/>
+                <xsl:for-each select="$entries">
+                    <xsl:variable name="goesOn" select="@name = preceding-sibling::*[1]/@name
+                        and (starts-with(., '&#10;') or $blank and . = '')"/>
+                    <xsl:choose>
+                        <xsl:when test="not($goesOn) and ($before or position() &gt; 1)">
+                            <xsl:value-of select="'&#13;'"/>
+                        </xsl:when>
+                        <xsl:when test="$goesOn and . = ''">
+                            <xsl:value-of select="'&#10;'"/>
+                        </xsl:when>
+                    </xsl:choose>
+                    <xsl:value-of select="."/>
+                </xsl:for-each>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
 </xsl:stylesheet>

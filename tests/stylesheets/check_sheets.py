@@ -18,10 +18,11 @@ import sys
 import wave
 import xml.etree.ElementTree as ElementTree
 from collections import Counter
+from itertools import groupby
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
-from documents import FACTS, FORMAT, NUMBERS, entry_line, samples, with_line_ends
+from documents import FACTS, FORMAT, LINE_ENDS, NUMBERS, entry_line, samples, with_line_ends
 
 ROOT = Path(__file__).resolve().parents[2]
 SCHEMA = ROOT / "docs" / "AudioMetadata.xsd"
@@ -46,18 +47,39 @@ def run(*command, stdin=b""):
     return subprocess.run([str(part) for part in command], input=stdin, capture_output=True, timeout=120)
 
 
-class Content:
-    """What a document holds, as a parser sees it; text of blanks alone counts as empty."""
+def joined(entries):
+    """The entries with those that go on with the one before them, at a Windows line end, made one."""
+    def goes_on(stretch):
+        return stretch and stretch[0].startswith("\n")
+    values = []
+    for name, run in groupby(entries, key=lambda entry: entry[0]):
+        first, *others = [text for _, text in run]
+        values.append((name, first))
+        stretches = [list(stretch) for _, stretch in groupby(others, key=bool)]  # with a text, or empty
+        for before, stretch, after in zip([[], *stretches], stretches, [*stretches[1:], []]):
+            line_ends = goes_on(before[-1:]) or goes_on(after[:1])
+            for text in stretch:
+                if text.startswith("\n") or not text and line_ends:
+                    values[-1] = (name, values[-1][1] + (text or "\n"))
+                else:
+                    values.append((name, text))
+    return values
 
-    def __init__(self, xml):
+
+class Content:
+    """What a document says, as a parser sees it; text of blanks alone counts as empty."""
+
+    def __init__(self, document):
+        self.audio = document.with_suffix(".flac")
         def text(element):
             return element.text if element.text and element.text.strip(" \t\n") else ""
         self.facts, self.format, self.lists = {}, {}, {}
-        for side in ElementTree.fromstring(xml):
+        for side in ElementTree.parse(document).getroot():
             self.facts[side.tag] = {fact: text(side.find(fact)) for fact in FACTS}
             self.format[side.tag] = {fact: text(side.find("AudioFormat/" + fact)) for fact in FORMAT}
-            self.lists[side.tag] = {name: [(entry.get("name"), text(entry)) for entry in side.find(name)]
-                                    for name in ("AudioProperties", "IDTags")}
+            self.lists[side.tag] = {
+                name: joined((entry.get("name"), text(entry)) for entry in side.find(name))
+                for name in ("AudioProperties", "IDTags")}
         self.tags = self.lists["ConvertedFile"]["IDTags"]
 
 
@@ -78,9 +100,7 @@ def check_json(results, label, data, content, _work):
     def pairs(side):
         for fact, value in content.facts[side].items():
             yield fact, int(value) if fact in NUMBERS else value or None
-        properties, tags = ([(key, values if values[1:] else values[0])
-                             for key, values in grouped(entries).items()]
-                            for entries in content.lists[side].values())
+        properties, tags = (list(grouped(entries).items()) for entries in content.lists[side].values())
         yield "AudioProperties", properties
         yield "AudioFormat", [(fact, int(value)) for fact, value in content.format[side].items()]
         yield "IDTags", tags
@@ -139,8 +159,8 @@ def check_html(results, label, data, content, _work):
 
 
 def check_vorbis(results, label, data, content, work):
-    want = [f"{name}={value}".replace("\n", " ") for name, value in content.tags
-            if re.fullmatch(r"[ -<>-}]*", name)]
+    want = [f"{name}={value}".replace("\n", " ") for name, values in grouped(content.tags).items()
+            for value in values if re.fullmatch(r"[ -<>-}]*", name)]
     lines = data.decode().split("\n")
     results.equal(label, lines, want + [""])
     short = [line for line in want if len(line.encode()) <= METAFLAC_LINE]
@@ -154,16 +174,25 @@ def check_vorbis(results, label, data, content, work):
     results.equal(label + " metaflac", exported.split("\n"), short + [""])
 
 
+def ffprobe_tags(audio):
+    shown = run("ffprobe", "-v", "error", "-show_entries", "format_tags", "-of", "json", audio)
+    return {fold(name): value for name, value in json.loads(shown.stdout)["format"].get("tags", {}).items()}
+
+
 def check_ffmetadata(results, label, data, content, work):
     (work / "song.ffmeta").write_bytes(data)
     made = run("ffmpeg", "-v", "error", "-y", "-i", work / "tone.flac", "-i", work / "song.ffmeta",
                "-map_metadata", "1", "-codec", "copy", "-bitexact", work / "tagged.flac")
     results.equal(label + " ffmpeg", (made.returncode, made.stderr), (0, b""))
-    shown = run("ffprobe", "-v", "error", "-show_entries", "format_tags", "-of", "json", work / "tagged.flac")
-    got = json.loads(shown.stdout)["format"].get("tags", {})
-    want = {FLAC_NAMES.get(name, name): "; ".join(values)
-            for name, values in grouped(content.tags, fold).items() if any(values) or values[1:]}
-    results.equal(label, {fold(name): value for name, value in got.items()}, want)
+    got = ffprobe_tags(work / "tagged.flac")
+    tags = {FLAC_NAMES.get(name, name): values for name, values in grouped(content.tags, fold).items()}
+    want = {name: "; ".join(values) for name, values in tags.items() if any(values) or values[1:]}
+    results.equal(label, got, want)
+    if content.audio.exists():  # what the plug-in read: a tag of one value comes back but for its line ends
+        original = ffprobe_tags(content.audio)
+        single = [name for name in got if len(tags[name]) == 1]
+        results.equal(label + " round", [got[name] for name in single],
+                      [original[name].replace("\r\n", "\n") for name in single])
 
 
 SHEETS = {".json": ("Json.xslt", check_json), ".csv": ("Csv.xslt", check_csv),
@@ -174,7 +203,7 @@ SHEETS = {".json": ("Json.xslt", check_json), ".csv": ("Csv.xslt", check_csv),
 
 def check_outputs(results, document, work):
     """`document` as the plug-in writes it without a style sheet; what the style sheets made is beside it."""
-    content = Content(document.read_bytes())
+    content = Content(document)
     for ext, (sheet, check) in SHEETS.items():
         data, label = document.with_suffix(ext).read_bytes(), document.stem + ext
         other = run("xsltproc", ROOT / "XSLT" / sheet, document)
@@ -186,6 +215,14 @@ def check_outputs(results, document, work):
             check(results, label, data, content, work)
         except (ValueError, KeyError, csv.Error) as error:
             results.equal(label + " is readable", repr(error), "")
+
+
+def check_recipe(results):
+    """Style sheets cannot share a template: all hold the one that the page shows."""
+    page = (ROOT / "docs" / "style-sheets.md").read_text("utf-8")
+    recipe = re.search(r'(?s)```xml\n([^`]*<xsl:template name="values">[^`]*)```', page)[1]
+    for sheet in sorted((ROOT / "XSLT").glob("*.xslt")):
+        results.equal(f"{sheet.name} has the page's template", recipe in sheet.read_text("utf-8"), True)
 
 
 # The schema: what it takes is checked with every document; this is what it must refuse.
@@ -258,8 +295,12 @@ def main():
 
     results, documents = Results(), sorted(produced.glob("*.xml"))
     results.equal("documents found", bool(documents), True)
+    if not folders[1:]:
+        want = [(name, value) for name, _, values in LINE_ENDS for value in values]
+        results.equal("line ends", grouped(Content(produced / "lines.xml").tags), grouped(want))
     for document in documents:
         check_outputs(results, document, work)
+    check_recipe(results)
     check_schema(results, documents, work)
     print(f"{results.passed} passed, {results.failed} failed")
     return 1 if results.failed else 0

@@ -9,15 +9,32 @@ FACTS = ("FileName", "FileNameNoExt", "FileNameExt", "FileNamePath", *NUMBERS, "
          "FileAccessed")
 
 
+# Tags with line breaks, as their file has them, and the values that a reader of the document gets from each.
+LINE_ENDS = [
+    ("LYRICS", "line1\r\nline2\r\n\r\nline4", ["line1\nline2\n\nline4"]),
+    ("lyrics", "\nnot the tag before it", ["\nnot the tag before it"]),
+    ("LAST", "one\r\ntwo\r\n\r\n", ["one\ntwo\n\n"]),
+    ("FIRST", "\r\n\r\none", ["\n\none"]),
+    ("UNIX", "one\n\ntwo\rthree", ["one\n\ntwo", "three"]),
+    ("SEVERAL", "1\r\nand a half\r\n\r2\r\r3\r\n\r\n.", ["1\nand a half\n", "2", "", "3\n\n."]),
+    ("NONE", "one\r\rthree\r\r", ["one", "", "three", "", ""]),
+    ("NONE AGAIN", "\r\r", ["", "", ""]),
+    ("APART", "one\r", ["one", "", "\ntwo\nthree\n"]),
+    ("BETWEEN", "x", ["x"]),
+    ("APART", "\ntwo\r\nthree\r\n", []),  # another entry of the name, not beside the first
+]
+
+
 def entry_line(name, value):
+    """The value's entries: it is cut at every CR."""
     element = re.sub(r"""[# &"'<>()/\\:]""", "", name)
     name, value = (saxutils.escape(text, {'"': "&quot;", "'": "&apos;"}) for text in (name, value))
-    return f'\t\t\t<{element} name="{name}">{value}</{element}>\n'
+    return "".join(f'\t\t\t<{element} name="{name}">{piece}</{element}>\n' for piece in value.split("\r"))
 
 
 def with_line_ends(text, end):
     """The plug-in writes CR LF, and gives a document to a style sheet as one line; values keep their own."""
-    return re.sub(r"\n(?=\t*<|$)", end, text).encode()
+    return re.sub(r"(?<!\">)\n(?=\t*<|$)", end, text).encode()
 
 
 def samples():
@@ -26,10 +43,14 @@ def samples():
     nasty = Path(__file__).with_name("nasty.xml").read_text("utf-8")
     bare = re.sub(r"(?s)(<(AudioProperties|IDTags)>\n).*?(\t*</\2>)", r"\1\3", speech)
     lyrics = "".join(f'{i}: "so" weit = so gut; #{i} \\ \U0001d11e\n' for i in range(3000)) + "\u6b4c"
-    tags = [("LYRICS", lyrics), ("QUOTES", '"' * 100000), ("BREAKS", "\n" * 20000 + "end"),
-            ("THE LAST LARGE VALUE", "x" * 100000 + ';"'), *(("MANY", f"value {i}") for i in range(2000)),
-            *((f"Tag {i}", f"value {i}") for i in range(500))]
+    windows = "text\r\n\r\n" * 5000 + "\r\n" * 5000
+    tags = [("LYRICS", lyrics), ("WINDOWS", windows), ("QUOTES", '"' * 100000),
+            ("BREAKS", "\n" * 20000 + "end"), ("THE LAST LARGE VALUE", "x" * 100000 + ';"'),
+            *(("MANY", f"value {i}") for i in range(2000)), *((f"Tag {i}", f"value {i}") for i in range(500))]
     head, tail = bare.rsplit("\t\t</IDTags>", 1)
+
+    def tagged(*tags):
+        return "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail])
     return {"speech": speech, "nasty": nasty,
             "nosource": re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7),
-            "long": "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail])}
+            "long": tagged(*tags), "lines": tagged(*((name, text) for name, text, _ in LINE_ENDS))}

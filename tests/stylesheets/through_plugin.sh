@@ -14,9 +14,11 @@ python3 -c 'import wave
 with wave.open("tone.wav", "wb") as tone:
     tone.setparams((2, 2, 44100, 0, "NONE", ""))
     tone.writeframes(bytes(44100))'
+printf 'line %d\r\n\r\n' {1..5000} >windows.txt
 flac --silent --output-name awkward.flac tone.wav \
     --tag 'TITLE=Größe 😀 "quoted" \back & <tag>; #1 = 🎵' --tag 'ARTIST=Zoë, Ång' --tag 'ARTIST=مساء' --tag 'ARTIST=C; D' \
-    --tag $'COMMENT=first line\nsecond\tline' --tag 'EMPTY=' --tag 'with space=x' --picture "$root/tests/data/cover.png"
+    --tag $'COMMENT=first line\nsecond\tline' --tag 'EMPTY=' --tag 'with space=x' --picture "$root/tests/data/cover.png" \
+    --tag $'LYRICS=line1\r\nline2\r\n\r\nline4\r\n' --tag-from-file LONG=windows.txt
 flac --silent --output-name bare.flac tone.wav
 
 dsphost=$build/tools/dsphost.exe

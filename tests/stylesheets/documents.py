@@ -19,9 +19,17 @@ LINE_ENDS = [
     ("SEVERAL", "1\r\nand a half\r\n\r2\r\r3\r\n\r\n.", ["1\nand a half\n", "2", "", "3\n\n."]),
     ("NONE", "one\r\rthree\r\r", ["one", "", "three", "", ""]),
     ("NONE AGAIN", "\r\r", ["", "", ""]),
+    ("FAR", "one" + "\r\n" * 9 + "two", ["one" + "\n" * 9 + "two"]),
+    # Entries of one name that do not stand side by side.
     ("APART", "one\r", ["one", "", "\ntwo\nthree\n"]),
     ("BETWEEN", "x", ["x"]),
-    ("APART", "\ntwo\r\nthree\r\n", []),  # another entry of the name, not beside the first
+    ("APART", "\r\ntwo\r\nthree\r\n", []),
+    ("PARTED", "one\r\ntwo", ["one\ntwo", "", "", "three"]),
+    ("BETWEEN", "y", ["y"]),
+    ("PARTED", "\r\rthree", []),
+    ("DIVIDED", "one\r", ["one", "", "\ntwo"]),
+    ("BETWEEN", "z", ["z"]),
+    ("DIVIDED", "\ntwo", []),
 ]
 
 

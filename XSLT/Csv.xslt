@@ -1,11 +1,17 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!--
-    Metadata as comma-separated values (RFC 4180, UTF-8). File extension to set in the panel: .csv
+    Metadata as comma-separated values (RFC 4180, UTF-8 with a byte-order mark) for spreadsheets. File
+    extension to set in the panel: .csv
 
     One header row, one row for the source file ("Source"), one for the converted file ("Converted"). After
     the fixed columns follows one column for each property name and then one for each tag name that either
     file has, headed "AudioProperties/NAME" and "IDTags/NAME". Several values of one name share the cell,
-    joined by "; ". What a file does not have is an empty cell.
+    joined by "; "; CsvLong.xslt keeps them apart. What a file does not have is an empty cell.
+
+    Texts are in quotes, numbers and times are not, and no value is changed. A spreadsheet that opens the file
+    as it likes takes 0049123 for a number and =1+1 for a formula, in quotes or not. An apostrophe before such
+    a value would stop some of that, but every other reader would have it in the value. docs/style-sheets.md
+    says how to import the file so that texts stay texts.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
     <xsl:output method="text" encoding="UTF-8"/>
@@ -29,7 +35,7 @@
         <xsl:variable name="tags"
             select="AudioMetadata/*/IDTags/*[not(@name = preceding-sibling::*[1]/@name)][
                 generate-id() = generate-id(key('column', concat('IDTags/', @name))[1])]"/>
-        <xsl:text>File</xsl:text>
+        <xsl:value-of select="'&#xFEFF;File'"/>
         <xsl:for-each select="AudioMetadata/SourceFile/*[starts-with(name(), 'File')]
             | AudioMetadata/SourceFile/AudioFormat/*">
             <xsl:value-of select="concat(',', name())"/>
@@ -41,9 +47,16 @@
             <xsl:variable name="file" select="generate-id()"/>
             <xsl:value-of select="substring-before(name(), 'File')"/>
             <xsl:for-each select="*[starts-with(name(), 'File')] | AudioFormat/*">
-                <xsl:call-template name="cell">
-                    <xsl:with-param name="text" select="string()"/>
-                </xsl:call-template>
+                <xsl:choose>
+                    <xsl:when test="starts-with(name(), 'FileName') and . != ''">
+                        <xsl:call-template name="text">
+                            <xsl:with-param name="text" select="string()"/>
+                        </xsl:call-template>
+                    </xsl:when>
+                    <xsl:otherwise>
+                        <xsl:value-of select="concat(',', .)"/>
+                    </xsl:otherwise>
+                </xsl:choose>
             </xsl:for-each>
             <xsl:for-each select="$properties">
                 <xsl:call-template name="list">
@@ -61,39 +74,37 @@
     </xsl:template>
 
     <xsl:template match="*" mode="heading">
-        <xsl:call-template name="cell">
+        <xsl:call-template name="text">
             <xsl:with-param name="text" select="concat(name(..), '/', @name)"/>
         </xsl:call-template>
     </xsl:template>
 
+    <!-- The cell of the entries of one name, if there are any. -->
     <xsl:template name="list">
         <xsl:param name="entries"/>
-        <xsl:variable name="values">
-            <xsl:call-template name="values">
-                <xsl:with-param name="entries" select="$entries"/>
-            </xsl:call-template>
-        </xsl:variable>
-        <xsl:call-template name="cell">
-            <xsl:with-param name="text" select="string($values)"/>
-        </xsl:call-template>
+        <xsl:choose>
+            <xsl:when test="$entries">
+                <xsl:variable name="values">
+                    <xsl:call-template name="values">
+                        <xsl:with-param name="entries" select="$entries"/>
+                    </xsl:call-template>
+                </xsl:variable>
+                <xsl:call-template name="text">
+                    <xsl:with-param name="text" select="string($values)"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>,</xsl:otherwise>
+        </xsl:choose>
     </xsl:template>
 
-    <!-- One cell with the comma before it; text has a CR between its values. -->
-    <xsl:template name="cell">
+    <!-- A cell in quotes with the comma before it. -->
+    <xsl:template name="text">
         <xsl:param name="text"/>
-        <xsl:text>,</xsl:text>
-        <xsl:choose>
-            <xsl:when test="translate($text, ',&quot;&#10;&#13;', '') = $text">
-                <xsl:value-of select="$text"/>
-            </xsl:when>
-            <xsl:otherwise>
-                <xsl:value-of select="$quote"/>
-                <xsl:call-template name="escape">
-                    <xsl:with-param name="text" select="$text"/>
-                </xsl:call-template>
-                <xsl:value-of select="$quote"/>
-            </xsl:otherwise>
-        </xsl:choose>
+        <xsl:value-of select="concat(',', $quote)"/>
+        <xsl:call-template name="escape">
+            <xsl:with-param name="text" select="$text"/>
+        </xsl:call-template>
+        <xsl:value-of select="$quote"/>
     </xsl:template>
 
     <!--

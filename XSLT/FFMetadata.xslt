@@ -1,13 +1,13 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!--
     The converted file's tags as a metadata file of ffmpeg. File extension to set in the panel: .ffmeta
-    (any will do). To give them to a file:
-
-        ffmpeg -i song.flac -i song.ffmeta -map_metadata 1 -codec copy tagged.flac
+    (any will do). docs/style-sheets.md has the command that gives them to a file.
 
     ffmpeg keeps one value for each name, whatever its case, so several values of one name are joined by
     "; ". Names are written as the decoder spells them; ffmpeg's own generic names are title, artist,
-    album, track and so on.
+    album, track and so on. A value that ends in a backslash gets a blank behind it: ffmpeg would take the
+    line end after the backslash for part of the value, however the backslash is written, and lose the next
+    tag.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
     <xsl:output method="text" encoding="UTF-8"/>
@@ -41,6 +41,9 @@
             <xsl:call-template name="escape">
                 <xsl:with-param name="text" select="string($values)"/>
             </xsl:call-template>
+            <xsl:if test="substring($values, string-length($values)) = '\'">
+                <xsl:value-of select="' '"/>
+            </xsl:if>
             <xsl:value-of select="'&#10;'"/>
         </xsl:for-each>
     </xsl:template>

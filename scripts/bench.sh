@@ -10,4 +10,4 @@ build mingw-release WriteMetadataFile bench
 start_wine wine
 
 cd "$root/build/mingw-release"
-timeout 600 wine bench/bench.exe dist\\WriteMetadataFile.dll dist\\XSLT\\{Html,Text,Json,Csv,VorbisComments,FFMetadata}.xslt
+timeout 600 wine bench/bench.exe dist\\WriteMetadataFile.dll dist\\XSLT\\{Html,Text,Json,Csv,CsvLong,VorbisComments,FFMetadata}.xslt

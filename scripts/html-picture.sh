@@ -3,7 +3,7 @@
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-install_packages chromium python3 xsltproc libxml2-utils flac ffmpeg imagemagick
+install_packages chromium python3 xsltproc libxml2-utils flac ffmpeg jq sqlite3 imagemagick
 
 work=$root/build/html-picture
 rm -rf "$work"

@@ -3,16 +3,17 @@
 
 check_sheets.py WORK           makes sample documents and transforms them with xsltproc
 check_sheets.py WORK PRODUCED  checks the files in PRODUCED that the plug-in made of each document:
-                               NAME.xml and NAME.html, .txt, .json, .csv, .vc, .ffmeta
+                               NAME.xml and NAME.html, .txt, .json, .csv, .facts.csv, .vc, .ffmeta
 
 Ends with "N passed, N failed"; the exit status is 1 when something failed. Needs xsltproc, xmllint, flac,
-metaflac, ffmpeg and ffprobe.
+metaflac, ffmpeg, ffprobe, jq and sqlite3. The commands that the pages show are run as they stand there.
 """
 import csv
 import io
 import json
 import os
 import re
+import shutil
 import subprocess
 import sys
 import wave
@@ -26,6 +27,7 @@ from documents import FACTS, FORMAT, LINE_ENDS, NUMBERS, entry_line, samples, wi
 
 ROOT = Path(__file__).resolve().parents[2]
 SCHEMA = ROOT / "docs" / "AudioMetadata.xsd"
+PAGE = (ROOT / "docs" / "style-sheets.md").read_text("utf-8")
 METAFLAC_LINE = 65534  # bytes that metaflac takes in one line
 FLAC_NAMES = {"tracknumber": "track", "discnumber": "disc", "albumartist": "album_artist",
               "description": "comment"}  # what ffmpeg calls these comments of a FLAC file
@@ -43,8 +45,9 @@ class Results:
             print(f"FAILED {label}\n  got  {repr(got)[start:][:300]}\n  want {repr(want)[start:][:300]}")
 
 
-def run(*command, stdin=b""):
-    return subprocess.run([str(part) for part in command], input=stdin, capture_output=True, timeout=120)
+def run(*command, stdin=b"", cwd=None):
+    command = [str(part) for part in command]
+    return subprocess.run(command, input=stdin, cwd=cwd, capture_output=True, timeout=120)
 
 
 def joined(entries):
@@ -66,6 +69,13 @@ def joined(entries):
     return values
 
 
+def run_shown(start, folder):
+    """Runs the command of the page that begins so."""
+    command = re.search(rf"(?m)^ {{4,}}({re.escape(start)}.*)$", PAGE)[1]
+    return subprocess.run(["bash", "-c", command], cwd=folder, stdin=subprocess.DEVNULL, capture_output=True,
+                          timeout=120)
+
+
 class Content:
     """What a document says, as a parser sees it; text of blanks alone counts as empty."""
 
@@ -81,6 +91,9 @@ class Content:
                 name: joined((entry.get("name"), text(entry)) for entry in side.find(name))
                 for name in ("AudioProperties", "IDTags")}
         self.tags = self.lists["ConvertedFile"]["IDTags"]
+        converted = self.facts["ConvertedFile"]
+        folder = converted["FileNamePath"]  # of a name without a backslash it is the name
+        self.path = (folder if "\\" in folder else "") + converted["FileName"]
 
 
 def fold(name):
@@ -108,6 +121,14 @@ def check_json(results, label, data, content, _work):
                   [(side, list(pairs(side))) for side in content.facts])
 
 
+def read_csv(data, encoding):
+    csv.field_size_limit(10 ** 9)
+    rows = list(csv.reader(io.StringIO(data.decode(encoding), newline=""), strict=True))
+    if data.count(b"\r\n") != len(rows) or data.count(b"\r") != len(rows) or data[-2:] != b"\r\n":
+        raise csv.Error("rows do not end with CR LF")
+    return rows
+
+
 def check_csv(results, label, data, content, _work):
     names = {name: list(dict.fromkeys(key for side in content.lists.values() for key, _ in side[name]))
              for name in ("AudioProperties", "IDTags")}
@@ -116,9 +137,23 @@ def check_csv(results, label, data, content, _work):
         groups = {name: grouped(content.lists[side][name]) for name in names}
         rows.append([side[:-4], *content.facts[side].values(), *content.format[side].values(),
                      *("; ".join(groups[name].get(key, [])) for name, keys in names.items() for key in keys)])
-    csv.field_size_limit(10 ** 9)
-    results.equal(label, list(csv.reader(io.StringIO(data.decode(), newline=""), strict=True)), rows)
-    results.equal(label + " row ends", (data.count(b"\r\n"), data.count(b"\r"), data[-2:]), (3, 3, b"\r\n"))
+    results.equal(label, read_csv(data, "utf-8-sig"), rows)
+    results.equal(label + " byte-order mark", data[:7], b"\xef\xbb\xbfFile")
+    # What has no quotes is a number, a time or nothing, or part of a heading.
+    bare = re.sub(r'"([^"]|"")*"', "", data.decode("utf-8-sig")).replace("\r\n", ",").split(",")
+    texts = [cell for cell in bare if not re.fullmatch(r"(-?\d+|[-\d]+T[:\d]+)?", cell)]
+    results.equal(label + " quotes", texts, ["File", *FACTS, *FORMAT, "Source", "Converted"])
+
+
+def check_csv_long(results, label, data, content, _work):
+    rows = [["File", "List", "Name", "Index", "Value"]]
+    for side, lists in content.lists.items():
+        for name, entries in (("", content.facts[side]), ("AudioProperties", lists["AudioProperties"]),
+                              ("AudioFormat", content.format[side]), ("IDTags", lists["IDTags"])):
+            entries = entries.items() if isinstance(entries, dict) else entries
+            rows += [[content.path, f"{side}/{name}".rstrip("/"), key, str(index), value]
+                     for key, values in grouped(entries).items() for index, value in enumerate(values, 1)]
+    results.equal(label, read_csv(data, "utf-8"), rows)
 
 
 def check_text(results, label, data, content, _work):
@@ -163,15 +198,19 @@ def check_vorbis(results, label, data, content, work):
             for value in values if re.fullmatch(r"[ -<>-}]*", name)]
     lines = data.decode().split("\n")
     results.equal(label, lines, want + [""])
+
+    def exported():
+        return run("metaflac", "--no-utf8-convert", "--export-tags-to=-", work / "song.flac").stdout.decode()
+    shutil.copy(work / "tone.flac", work / "song.flac")
+    run("metaflac", "--set-tag=OLD=tag", work / "song.flac")
     short = [line for line in want if len(line.encode()) <= METAFLAC_LINE]
-    tagged, comments = work / "tagged.flac", work / "short.vc"
-    tagged.write_bytes((work / "tone.flac").read_bytes())
-    comments.write_bytes("".join(line + "\n" for line in lines if line in set(short)).encode())
-    run("metaflac", "--remove-all-tags", tagged)
-    results.equal(label + " import", run("metaflac", "--no-utf8-convert", f"--import-tags-from={comments}",
-                                         tagged).stderr, b"")
-    exported = run("metaflac", "--no-utf8-convert", "--export-tags-to=-", tagged).stdout.decode()
-    results.equal(label + " metaflac", exported.split("\n"), short + [""])
+    if short != want:
+        (work / "song.vc").write_bytes(data)
+        failed = run_shown("metaflac", work).returncode
+        results.equal(label + " with a line too long", (failed, exported()), (1, "OLD=tag\n"))
+    (work / "song.vc").write_bytes("".join(line + "\n" for line in lines if line in set(short)).encode())
+    results.equal(label + " import", run_shown("metaflac", work).stderr, b"")
+    results.equal(label + " metaflac", exported().split("\n"), short + [""])
 
 
 def ffprobe_tags(audio):
@@ -180,22 +219,30 @@ def ffprobe_tags(audio):
 
 
 def check_ffmetadata(results, label, data, content, work):
+    def written(value):
+        value = value.replace("\r\n", "\n")
+        return value + " " if value.endswith("\\") else value
+    shutil.copy(work / "tone.flac", work / "song.flac")
     (work / "song.ffmeta").write_bytes(data)
-    made = run("ffmpeg", "-v", "error", "-y", "-i", work / "tone.flac", "-i", work / "song.ffmeta",
-               "-map_metadata", "1", "-codec", "copy", "-bitexact", work / "tagged.flac")
-    results.equal(label + " ffmpeg", (made.returncode, made.stderr), (0, b""))
+    (work / "tagged.flac").unlink(missing_ok=True)
+    results.equal(label + " ffmpeg", run_shown("ffmpeg", work).returncode, 0)
     got = ffprobe_tags(work / "tagged.flac")
+    got.pop("encoder")
     tags = {FLAC_NAMES.get(name, name): values for name, values in grouped(content.tags, fold).items()}
-    want = {name: "; ".join(values) for name, values in tags.items() if any(values) or values[1:]}
+    want = {name: written("; ".join(values)) for name, values in tags.items() if any(values) or values[1:]}
     results.equal(label, got, want)
-    if content.audio.exists():  # what the plug-in read: a tag of one value comes back but for its line ends
+    if content.audio.exists():  # a tag of one value comes back as the plug-in read it, but for its line ends
         original = ffprobe_tags(content.audio)
         single = [name for name in got if len(tags[name]) == 1]
         results.equal(label + " round", [got[name] for name in single],
-                      [original[name].replace("\r\n", "\n") for name in single])
+                      [written(original[name]) for name in single])
+    comments = run("metaflac", "--export-tags-to=-", work / "tagged.flac").stdout.decode()
+    results.equal(label + " DESCRIPTION", re.findall("(?m)^(?:COMMENT|DESCRIPTION)=", comments),
+                  ["DESCRIPTION="] * ("comment" in want))
 
 
 SHEETS = {".json": ("Json.xslt", check_json), ".csv": ("Csv.xslt", check_csv),
+          ".facts.csv": ("CsvLong.xslt", check_csv_long),
           ".txt": ("Text.xslt", check_text), ".html": ("Html.xslt", check_html),
           ".vc": ("VorbisComments.xslt", check_vorbis),
           ".ffmeta": ("FFMetadata.xslt", check_ffmetadata)}
@@ -217,10 +264,46 @@ def check_outputs(results, document, work):
             results.equal(label + " is readable", repr(error), "")
 
 
+def check_folder(results, documents, work):
+    """What the page does with the files of many documents."""
+    folder = work / "folder"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir()
+    contents = [Content(document) for document in documents]
+    for document, content in zip(documents, contents):
+        for ext in (".json", ".facts.csv"):
+            shutil.copy(document.with_suffix(ext), folder)
+        artists = grouped(content.tags).get("ARTIST")
+        if artists:
+            shutil.copy(document.with_suffix(".json"), work / "song.json")
+            results.equal(document.stem + " artists by jq", run_shown("jq -r '.", work).stdout.decode(),
+                          "".join(artist + "\n" for artist in artists))
+    others = [content for content in contents if content.format["SourceFile"]["SamplesPerSec"] != "44100"]
+    names = run_shown("jq -r 'select", folder).stdout.decode().splitlines()
+    results.equal("not 44.1 kHz by jq", sorted(names),
+                  sorted(content.facts["ConvertedFile"]["FileName"] for content in others))
+
+    def ask(sql):
+        answer = run("sqlite3", "-csv", "music.db", stdin=sql.encode(), cwd=folder)
+        results.equal("sqlite3", answer.stderr, b"")
+        return sorted(csv.reader(io.StringIO(answer.stdout.decode(), newline="")))
+    results.equal("cat", run_shown("cat", folder).returncode, 0)
+    make_table, undated, other_rates = re.findall(r"(?s)```sql\n(.*?)```", PAGE)
+    ask(make_table)
+    want = [row[:3] + row[4:] for document in documents
+            for row in read_csv(document.with_suffix(".facts.csv").read_bytes(), "utf-8")[1:]]
+    results.equal("all facts", ask("SELECT File, List, Name, Value FROM facts"), sorted(want))
+    songs = grouped((content.path, tag) for content in contents for tag in content.tags)
+    results.equal("albums without a date", ask(undated), [[album] for album in sorted({
+        value for tags in songs.values() if not {name.upper() for name, _ in tags} & {"DATE", "YEAR"}
+        for name, value in tags if name.upper() == "ALBUM"})])
+    results.equal("not 44.1 kHz", ask(other_rates), sorted(
+        [content.path, content.format["SourceFile"]["SamplesPerSec"]] for content in others))
+
+
 def check_recipe(results):
     """Style sheets cannot share a template: all hold the one that the page shows."""
-    page = (ROOT / "docs" / "style-sheets.md").read_text("utf-8")
-    recipe = re.search(r'(?s)```xml\n([^`]*<xsl:template name="values">[^`]*)```', page)[1]
+    recipe = re.search(r'(?s)```xml\n([^`]*<xsl:template name="values">[^`]*)```', PAGE)[1]
     for sheet in sorted((ROOT / "XSLT").glob("*.xslt")):
         results.equal(f"{sheet.name} has the page's template", recipe in sheet.read_text("utf-8"), True)
 
@@ -300,6 +383,7 @@ def main():
         results.equal("line ends", grouped(Content(produced / "lines.xml").tags), grouped(want))
     for document in documents:
         check_outputs(results, document, work)
+    check_folder(results, documents, work)
     check_recipe(results)
     check_schema(results, documents, work)
     print(f"{results.passed} passed, {results.failed} failed")

@@ -55,10 +55,11 @@ def samples():
     tags = [("LYRICS", lyrics), ("WINDOWS", windows), ("QUOTES", '"' * 100000),
             ("BREAKS", "\n" * 20000 + "end"), ("THE LAST LARGE VALUE", "x" * 100000 + ';"'),
             *(("MANY", f"value {i}") for i in range(2000)), *((f"Tag {i}", f"value {i}") for i in range(500))]
+    nosource = re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7)
     head, tail = bare.rsplit("\t\t</IDTags>", 1)
 
     def tagged(*tags):
         return "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail])
     return {"speech": speech, "nasty": nasty,
-            "nosource": re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7),
+            "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
             "long": tagged(*tags), "lines": tagged(*((name, text) for name, text, _ in LINE_ENDS))}

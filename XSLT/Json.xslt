@@ -4,8 +4,12 @@
 
     Keys are the element names of the document; below AudioProperties and IDTags they are the names as the
     decoders spell them. Sizes, length, bitrate and the audio format are numbers; an empty name or time (no
-    source file on disk) is null. A property or tag is always an array of strings, which has several when the
-    name occurs several times in one list; its key then stands where it first occurred.
+    source file on disk) is null. A property or tag is always an array of strings, of more than one when the
+    name has several values in one list; its key then stands where it first occurred. For jq, the artists of a
+    song, and the songs whose source was not 44.1 kHz:
+
+        jq -r '.ConvertedFile.IDTags.ARTIST[]?' song.json
+        jq -r 'select(.SourceFile.AudioFormat.SamplesPerSec != 44100) | .ConvertedFile.FileName' *.json
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
     <xsl:output method="text" encoding="UTF-8"/>

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks with LibreOffice that a spreadsheet has what Csv.xslt wrote: check_spreadsheet.py WORK
 
-Imports what the style sheet makes of the sample documents with the command that the page shows, and compares the
-cells. Ends with "N passed, N failed"; the exit status is 1 when something failed.
+Imports what the style sheet makes of the sample documents with the command that the page shows, and compares
+the cells. Ends with "N passed, N failed"; the exit status is 1 when something failed.
 """
 import os
 import sys
@@ -14,7 +14,8 @@ sys.dont_write_bytecode = True  # leave nothing beside the sources
 from check_sheets import ROOT, Results, read_csv, run, run_shown
 from documents import samples, with_line_ends
 
-OFFICE, TABLE, TEXT = ("{urn:oasis:names:tc:opendocument:xmlns:%s:1.0}" % name for name in ("office", "table", "text"))
+OFFICE, TABLE, TEXT = (f"{{urn:oasis:names:tc:opendocument:xmlns:{name}:1.0}}"
+                       for name in ("office", "table", "text"))
 
 
 def text_of(element):

@@ -12,7 +12,7 @@ preset=${1:-mingw-release}
 shift || true
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
-    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc jq sqlite3 clang libclang-rt-14-dev
+    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc jq sqlite3 cmark-gfm clang libclang-rt-14-dev
 
 build linux-asan
 (cd "$root/build/linux-asan" && ctest --output-on-failure -j "$(nproc)" "$@" </dev/null)

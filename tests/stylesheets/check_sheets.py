@@ -11,10 +11,8 @@ metaflac, ffmpeg, ffprobe, jq and sqlite3. The commands that the pages show are 
 import csv
 import io
 import json
-import os
 import re
 import shutil
-import subprocess
 import sys
 import wave
 import xml.etree.ElementTree as ElementTree
@@ -23,31 +21,14 @@ from itertools import groupby
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
-from documents import FACTS, FORMAT, LINE_ENDS, NUMBERS, entry_line, samples, with_line_ends
+from documents import FACTS, FORMAT, LINE_ENDS, NUMBERS, samples, with_line_ends
+from results import ROOT, Results, run
+from schema import check_schema
 
-ROOT = Path(__file__).resolve().parents[2]
-SCHEMA = ROOT / "docs" / "AudioMetadata.xsd"
 PAGE = (ROOT / "docs" / "style-sheets.md").read_text("utf-8")
 METAFLAC_LINE = 65534  # bytes that metaflac takes in one line
 FLAC_NAMES = {"tracknumber": "track", "discnumber": "disc", "albumartist": "album_artist",
               "description": "comment"}  # what ffmpeg calls these comments of a FLAC file
-
-
-class Results:
-    def __init__(self):
-        self.passed = self.failed = 0
-
-    def equal(self, label, got, want):
-        self.passed += got == want
-        self.failed += got != want
-        if got != want:
-            start = max(0, len(os.path.commonprefix([repr(got), repr(want)])) - 60)
-            print(f"FAILED {label}\n  got  {repr(got)[start:][:300]}\n  want {repr(want)[start:][:300]}")
-
-
-def run(*command, stdin=b"", cwd=None):
-    command = [str(part) for part in command]
-    return subprocess.run(command, input=stdin, cwd=cwd, capture_output=True, timeout=120)
 
 
 def joined(entries):
@@ -305,54 +286,6 @@ def check_recipe(results):
     recipe = re.search(r'(?s)```xml\n([^`]*<xsl:template name="values">[^`]*)```', PAGE)[1]
     for sheet in sorted((ROOT / "XSLT").glob("*.xslt")):
         results.equal(f"{sheet.name} has the page's template", recipe in sheet.read_text("utf-8"), True)
-
-
-# The schema: what it takes is checked with every document; this is what it must refuse.
-
-REFUSED = [
-    ("order", r"(?s)(<FileName>.*?</FileName>)\s*(<FileNameNoExt>.*?</FileNameNoExt>)", r"\2\1"),
-    ("missing element", r"<FileBitrate>[^<]*</FileBitrate>", ""),
-    ("element twice", r"(<Channels>[^<]*</Channels>)", r"\1\1"),
-    ("third child", r"</AudioMetadata>", "<Extra/></AudioMetadata>"),
-    ("attribute", r"<IDTags>", '<IDTags name="x">'),
-    ("size beyond 64 bits", r"(<FileSize>)[^<]*", r"\g<1>9223372036854775808"),
-    ("bitrate beyond 32 bits", r"(<FileBitrate>)[^<]*", r"\g<1>2147483648"),
-    ("leading zero", r"(<FileLength>)[^<]*", r"\g<1>007"),
-    ("channels beyond 16 bits", r"(<Channels>)[^<]*", r"\g<1>65536"),
-    ("negative channels", r"(<Channels>)[^<]*", r"\g<1>-1"),
-    ("no bytes a second", r"(<AvgBytesPerSec>)[^<]*", r"\g<1>0"),
-    ("extension without its dot", r"(<FileNameExt>)[^<]*", r"\g<1>wav"),
-    ("time without seconds", r"(<FileCreated>[^<]*):\d\d<", r"\1<"),
-]
-REFUSED_ENTRIES = [
-    ("no name", r"<TITLE name=\"TITLE\">", "<TITLE>"),
-    ("second attribute", r"<TITLE name", '<TITLE lang="x" name'),
-    ("child element", r"<TITLE ([^>]*)>", r"<TITLE \1><b/>"),
-    ("name not the element's", r"name=\"TITLE\"", 'name="TITEL"'),
-    ("hidden property", r"<Encoding name=\"Encoding\">([^<]*)</Encoding>", r'<_E name="_E">\1</_E>'),
-]
-NOT_WELL_FORMED = ["1st", "-x", ".x", "a!b", "a=b", "a,b", "[x]", "( )", "a\tb", "a\x01"]
-
-
-def check_schema(results, documents, work):
-    rules = work / "entries.sch"
-    embedded = ElementTree.parse(SCHEMA).find(".//{http://purl.oclc.org/dsdl/schematron}schema")
-    ElementTree.ElementTree(embedded).write(rules)
-
-    def verdict(option, schema, xml):
-        return run("xmllint", "--noout", "--huge", option, schema, "-", stdin=xml).returncode
-    for document in documents:
-        xml = document.read_bytes()
-        verdicts = verdict("--schema", SCHEMA, xml), verdict("--schematron", rules, xml)
-        results.equal(document.name, verdicts, (0, 0))
-    speech = samples()["speech"]
-    for cases, option, schema in ((REFUSED, "--schema", SCHEMA), (REFUSED_ENTRIES, "--schematron", rules)):
-        for label, pattern, replacement in cases:
-            xml, changes = re.subn(pattern, replacement, speech, count=1)
-            results.equal(f"refused: {label}", (changes, verdict(option, schema, xml.encode())), (1, 3))
-    for name in NOT_WELL_FORMED:
-        xml = speech.replace("</IDTags>", entry_line(name, "x") + "</IDTags>")
-        results.equal(f"not well-formed: {name!r}", verdict("--schema", SCHEMA, xml.encode()), 1)
 
 
 def make_samples(folder):

@@ -4,6 +4,10 @@
 
     Every value begins in the same column; a further value of a tag, or a further line of a value, stands
     under the first. A name too long for its column has its value on the next line. Lines end with CR LF.
+
+    Length and bitrate stay as the decoder gave them, since nothing says their units. Where the usual unit can
+    be the right one, what the number means in it follows in parentheses. An audio format of which nothing is
+    known is left out, and a value of nothing but blanks comes as an empty one from MSXML.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
     <xsl:output method="text" encoding="UTF-8"/>
@@ -50,10 +54,12 @@
     </xsl:template>
 
     <xsl:template name="file">
-        <xsl:apply-templates select="FileName | FileNamePath | FileSize | FileLength | FileBitrate
-            | FileCreated | FileModified | FileAccessed"/>
-        <xsl:value-of select="concat($lineEnd, 'Audio format', $lineEnd)"/>
-        <xsl:apply-templates select="AudioFormat/*"/>
+        <xsl:apply-templates select="*[starts-with(name(), 'File')][not(self::FileNameNoExt or self::FileNameExt)]"/>
+        <!-- One of which nothing is known holds zeros. -->
+        <xsl:for-each select="AudioFormat[Channels != 0 or SamplesPerSec != 0 or BitsPerSample != 0]">
+            <xsl:value-of select="concat($lineEnd, 'Audio format', $lineEnd)"/>
+            <xsl:apply-templates select="*"/>
+        </xsl:for-each>
         <xsl:if test="AudioProperties/*">
             <xsl:value-of select="concat($lineEnd, 'Audio properties', $lineEnd)"/>
             <xsl:apply-templates select="AudioProperties"/>
@@ -70,7 +76,7 @@
                 <xsl:choose>
                     <xsl:when test="self::FileName">Name</xsl:when>
                     <xsl:when test="self::FileNamePath">Folder</xsl:when>
-                    <xsl:when test="self::FileSize">Size</xsl:when>
+                    <xsl:when test="self::FileSize">Size in bytes</xsl:when>
                     <xsl:when test="self::FileLength">Length</xsl:when>
                     <xsl:when test="self::FileBitrate">Bitrate</xsl:when>
                     <xsl:when test="self::FileCreated">Created (UTC)</xsl:when>
@@ -80,6 +86,9 @@
                     <xsl:when test="self::SamplesPerSec">Samples per second</xsl:when>
                     <xsl:when test="self::BitsPerSample">Bits per sample</xsl:when>
                     <xsl:when test="self::AvgBytesPerSec">Bytes per second</xsl:when>
+                    <xsl:otherwise>
+                        <xsl:value-of select="name()"/>
+                    </xsl:otherwise>
                 </xsl:choose>
             </xsl:with-param>
         </xsl:call-template>
@@ -92,8 +101,30 @@
                 <xsl:value-of select="."/>
             </xsl:otherwise>
         </xsl:choose>
+        <xsl:apply-templates select="." mode="reading"/>
         <xsl:value-of select="$lineEnd"/>
     </xsl:template>
+
+    <!-- What a number means in the usual unit, if it can be in that: no negative one, none beyond eleven days or
+         100 Mbit/s. -->
+    <xsl:template match="FileLength[. &gt; 0 and . &lt; 1000000000]" mode="reading">
+        <xsl:variable name="hours" select="floor(. div 3600000)"/>
+        <xsl:variable name="minutes" select="floor(. div 60000) mod 60"/>
+        <xsl:value-of select="' ('"/>
+        <xsl:choose>
+            <xsl:when test="$hours &gt; 0">
+                <xsl:value-of select="concat($hours, ':', format-number($minutes, '00'))"/>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:value-of select="$minutes"/>
+            </xsl:otherwise>
+        </xsl:choose>
+        <xsl:value-of select="concat(':', format-number(. mod 60000 div 1000, '00.000'), ' if milliseconds)')"/>
+    </xsl:template>
+    <xsl:template match="FileBitrate[. &gt; 0 and . &lt; 100000]" mode="reading">
+        <xsl:text> (usually kbit/s)</xsl:text>
+    </xsl:template>
+    <xsl:template match="*" mode="reading"/>
 
     <xsl:template match="AudioProperties | IDTags">
         <xsl:variable name="list" select="concat(generate-id(), ' ')"/>

@@ -34,7 +34,7 @@ PART = """<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Tr
 def script(folder, *arguments):
     """What TryStyleSheet.js prints, and its exit code."""
     made = run(ROOT / "cmake" / "run-under-wine.sh", "cscript", "//nologo", "TryStyleSheet.js", *arguments,
-               folder=folder)
+               cwd=folder)
     return made.stdout.decode().replace("\r\n", "\n"), made.returncode
 
 
@@ -55,7 +55,7 @@ def check_example(results, folder):
     (folder / "table.xslt").write_text(page_example(PAGE, "| tag | value |&#10;"), "utf-8")
     want = page_example(PAGE, "| TITLE | Front")
 
-    made = run("xsltproc", "table.xslt", "song.xml", folder=folder)
+    made = run("xsltproc", "table.xslt", "song.xml", cwd=folder)
     results.equal("example by xsltproc", (made.stdout.decode(), made.stderr), (want, b""))
     table = run("cmark-gfm", "--extension", "table", stdin=want.encode()).stdout.decode()
     results.equal("example is a table", re.findall("<td>(.*?)</td>", table)[-2:], ["DISC/NO", "1/2"])
@@ -70,7 +70,7 @@ def check_script(results, folder):
     for sheet in sorted((ROOT / "XSLT").glob("*.xslt")):
         shutil.copy(sheet, folder)
         _, status = script(folder, "song.xml", sheet.name, "out.txt")
-        want = run("xsltproc", sheet.name, "song.xml", folder=folder).stdout.decode()
+        want = run("xsltproc", sheet.name, "song.xml", cwd=folder).stdout.decode()
         got = utf16(folder / "out.txt")
         results.equal(f"{sheet.name} by the script", (status, same_page(got)), (0, same_page(want)))
 

@@ -13,6 +13,7 @@ import io
 import json
 import re
 import shutil
+import subprocess
 import sys
 import wave
 import xml.etree.ElementTree as ElementTree
@@ -22,6 +23,7 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
 from documents import FACTS, FORMAT, LINE_ENDS, NUMBERS, samples, with_line_ends
+from facts import html_format, html_rows, text_facts
 from results import ROOT, Results, run
 from schema import check_schema
 
@@ -88,6 +90,16 @@ def grouped(entries, key=lambda name: name):
     return groups
 
 
+def check_new_facts(results):
+    """A fact that the style sheets have no label for is shown by its element's name."""
+    document = samples()["speech"].replace("\t\t<AudioProp", "\t\t<FileMood>calm</FileMood>\n\t\t<AudioProp").replace(
+        "</Channels>", "</Channels><Layout>5.1</Layout>")
+    for sheet, want in (("Html.xslt", ["<th scope=\"row\">FileMood</th>", ">calm<", ">Layout<", ">5.1<"]),
+                        ("Text.xslt", ["  FileMood            calm", "  Layout              5.1"])):
+        made = run("xsltproc", ROOT / "XSLT" / sheet, "-", stdin=document.encode()).stdout.decode()
+        results.equal(f"{sheet} shows new facts", [text for text in want if text not in made], [])
+
+
 # What each format must hold, and the programs that read it.
 
 def check_json(results, label, data, content, _work):
@@ -142,6 +154,8 @@ def check_text(results, label, data, content, _work):
     names = [name for lists in content.lists.values() for entries in lists.values() for name, _ in entries]
     column = min(40, max([18, *map(len, names)]) + 4)
     for side in content.lists:
+        facts = text_facts(content, side, column)
+        results.equal(f"{label} {side}", facts if facts + "\r\n" in text + "\r\n" else text, facts)
         for name, entries in content.lists[side].items():
             want = [""]
             for key, values in grouped(entries).items():
@@ -166,9 +180,11 @@ def check_html(results, label, data, content, _work):
     results.equal(label + " values", Counter(texts["value"]), Counter(want))
     results.equal(label + " names", texts["name"], names)
     styles = "".join(element.text for element in page if element.tag == "style")
-    shown = "".join(page[0].itertext()).replace(styles, "").replace(",", "")
-    numbers = {fact[key] for fact in content.facts.values() for key in NUMBERS}
-    results.equal(label + " numbers", ([n for n in numbers if n not in shown], "NaN" in shown), ([], False))
+    want = html_rows(content)
+    rows = [["".join(cell.itertext()) for cell in row] for row in page if row.tag == "tr"]
+    results.equal(label + " facts", [row for row in rows if row[1:] != ["Source", "Converted"]][:len(want)], want)
+    results.equal(label + " formats", ["".join(element.itertext()) for element in page if element.get("class") == "format"],
+                  [text for text in map(html_format, content.format.values()) if text])
     outside = {"src", "href", "srcset", "data", "action", "script", "link", "iframe", "object"}
     used = {name for element in page for name in (element.tag, *element.attrib)}
     results.equal(label + " alone", (used & outside, re.findall(r"url\(|@import", styles)), (set(), []))
@@ -317,6 +333,7 @@ def main():
         check_outputs(results, document, work)
     check_folder(results, documents, work)
     check_recipe(results)
+    check_new_facts(results)
     check_schema(results, documents, work)
     print(f"{results.passed} passed, {results.failed} failed")
     return 1 if results.failed else 0

@@ -60,6 +60,16 @@ def samples():
 
     def tagged(*tags):
         return "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail])
+
+    def with_numbers(document, **numbers):
+        for fact, values in numbers.items():
+            values = iter(values)
+            document = re.sub(f"(?<=<{fact}>)[^<]*", lambda _: str(next(values)), document)
+        return document
+    unknown = {"Channels": (0, 0), "SamplesPerSec": (0, 0), "BitsPerSample": (0, 0), "AvgBytesPerSec": (1, 1)}
     return {"speech": speech, "nasty": nasty,
+            "noformat": with_numbers(bare, **unknown, FileLength=(1428, 0), FileBitrate=(100000, 0), FileSize=(1, 0)),
+            "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
+                                       FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
             "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
             "long": tagged(*tags), "lines": tagged(*((name, text) for name, text, _ in LINE_ENDS))}

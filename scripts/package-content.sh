@@ -6,8 +6,8 @@ check_package_content() (
     cd "$1"
     local docs=(docs/{installing,settings,style-sheets,document,troubleshooting}.html docs/pages.css
         docs/settings-panel.png docs/AudioMetadata.xsd)
-    diff <({ git -C "$root" ls-files XSLT && printf '%s\n' README.txt CHANGELOG.txt WriteMetadataFile.dll "${docs[@]}"; } |
-        sort) <(find . -type f -printf '%P\n' | sort) || fail "the package does not hold what it should (<) or more (>)"
+    diff <({ git -C "$root" ls-files XSLT && printf '%s\n' {README,CHANGELOG}.txt WriteMetadataFile.dll "${docs[@]}"; } |
+        sort) <(find . -type f -printf '%P\n' | sort) || fail "the package lacks files (<) or holds others (>)"
 
     local library readme changelog
     library=$(strings -el WriteMetadataFile.dll | grep -A1 -x FileVersion | tail -n 1)

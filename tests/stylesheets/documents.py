@@ -68,7 +68,7 @@ def samples():
         return document
     unknown = {"Channels": (0, 0), "SamplesPerSec": (0, 0), "BitsPerSample": (0, 0), "AvgBytesPerSec": (1, 1)}
     return {"speech": speech, "nasty": nasty,
-            "noformat": with_numbers(bare, **unknown, FileLength=(1428, 0), FileBitrate=(100000, 0), FileSize=(1, 0)),
+            "noformat": with_numbers(bare, **unknown, FileLength=(1428, 0), FileBitrate=(100000, 0)),
             "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
                                        FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
             "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder

@@ -136,9 +136,8 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                             not(@name = preceding-sibling::*[1]/@name)][generate-id() = generate-id(
                             key('row', concat('IDTags', translate(@name, $upper, $lower)))[1])]"/>
                     </xsl:call-template>
-                    <footer>Times are UTC. Length and bitrate are numbers without a unit, as the decoder or the
-                        converter reported them; in grey stands what they mean if the unit is the usual
-                        one.</footer>
+                    <footer>Times are UTC. Length and bitrate come without a unit; what they usually mean stands in
+                        grey.</footer>
                 </main>
             </body>
         </html>

@@ -111,6 +111,8 @@ def main(arguments):
         make(paths[0], paths[1:])
     elif arguments[:1] == ["check"] and paths:
         return 0 if check(paths) else 1
+    elif "--help" in arguments:
+        print(__doc__.strip())
     else:
         print(__doc__, file=sys.stderr)
         return 2

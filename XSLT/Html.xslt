@@ -3,9 +3,12 @@
     A page to look at: the source file and the converted file side by side. File extension to set in the
     panel: .html
 
-    The page needs no other file, follows the reader's light or dark setting and prints. Sizes, lengths and
-    bitrates are shown as the decoder gave them. Tags of both files meet in one row when their names differ
-    only in case; a row says when a tag was changed, added or lost.
+    The page needs no other file, follows the reader's light or dark setting and prints. Tags of both files
+    meet in one row when their names differ only in case; a row says when a tag was changed, added or lost.
+
+    Length and bitrate stay as the decoder gave them, since nothing says their units. Where the usual unit can
+    be the right one, the page says in grey what the number means in it. An audio format of which nothing is
+    known is left out, and a value of nothing but blanks comes as an empty one from MSXML and is shown as one.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
     <xsl:output method="html" encoding="UTF-8" indent="no" doctype-system="about:legacy-compat"/>
@@ -24,6 +27,9 @@
 
     <xsl:variable name="source" select="/AudioMetadata/SourceFile"/>
     <xsl:variable name="converted" select="/AudioMetadata/ConvertedFile"/>
+    <!-- Those that are known; the others hold zeros. -->
+    <xsl:variable name="formats" select="/AudioMetadata/*/AudioFormat[
+        Channels != 0 or SamplesPerSec != 0 or BitsPerSample != 0]"/>
     <xsl:variable name="sourceHasTags" select="boolean($source/IDTags/*)"/>
 
     <xsl:template match="/">
@@ -68,12 +74,14 @@ th, td { padding: .45rem 1.25rem; border-top: 1px solid var(--line); text-align:
 thead th, thead td { border-top: 0; padding-top: .9rem; vertical-align: baseline; }
 thead th { color: var(--soft); font-size: .8rem; font-weight: 600; }
 thead td { width: 26%; }
+thead h2 { white-space: nowrap; }
 tbody th { color: var(--soft); font-weight: 500; }
 td { font-variant-numeric: tabular-nums; }
 td.none { color: var(--soft); }
 .value { white-space: pre-wrap; text-align: start; }
 .value:empty::before { content: "(empty)"; color: var(--soft); }
 .value + .value { margin-top: .2rem; }
+.reading { color: var(--soft); font-size: .85em; }
 .long { max-height: 16rem; overflow: auto; }
 .note { display: inline-block; padding: 0 .45rem; border-radius: 5px; background: var(--warntint);
     color: var(--warn); font-size: .75rem; font-weight: 600; }
@@ -83,6 +91,8 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
     .files { grid-template-columns: 1fr; }
     .arrow { justify-self: center; transform: rotate(90deg); line-height: 1; }
     th, td { padding: .4rem .6rem; }
+    thead td { width: 10rem; }
+    h2 { font-size: .95rem; }
 }
 @media print {
     :root { --page: #fff; --sheet: #fff; --ink: #000; --soft: #444; --line: #bbb;
@@ -91,8 +101,9 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
     main { max-width: none; padding: 0; }
     section { overflow: visible; }
     .long { max-height: none; overflow: visible; }
+    h2 { font-size: 11pt; }
     thead { break-after: avoid; }
-    .file { break-inside: avoid; }
+    .file, tr:not(:has(.long)) { break-inside: avoid; }
 }
 </style>
             </head>
@@ -111,7 +122,7 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                     </xsl:call-template>
                     <xsl:call-template name="section">
                         <xsl:with-param name="heading">Audio format</xsl:with-param>
-                        <xsl:with-param name="rows" select="$converted/AudioFormat/*"/>
+                        <xsl:with-param name="rows" select="$formats[last()]/*"/>
                     </xsl:call-template>
                     <xsl:call-template name="section">
                         <xsl:with-param name="heading">Audio properties</xsl:with-param>
@@ -125,8 +136,8 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                             not(@name = preceding-sibling::*[1]/@name)][generate-id() = generate-id(
                             key('row', concat('IDTags', translate(@name, $upper, $lower)))[1])]"/>
                     </xsl:call-template>
-                    <footer>Times are UTC. Size, length and bitrate are shown as the decoder reported
-                        them.</footer>
+                    <footer>Times are UTC. Length and bitrate come without a unit; what they usually mean stands in
+                        grey.</footer>
                 </main>
             </body>
         </html>
@@ -152,11 +163,23 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                     </p>
                 </xsl:otherwise>
             </xsl:choose>
-            <p class="format">
-                <xsl:value-of select="concat(format-number(AudioFormat/SamplesPerSec, '#,##0'), ' Hz, ',
-                    AudioFormat/BitsPerSample, ' bit, ', AudioFormat/Channels, ' channel')"/>
-                <xsl:if test="AudioFormat/Channels != 1">s</xsl:if>
-            </p>
+            <xsl:variable name="format">
+                <xsl:if test="AudioFormat/SamplesPerSec != 0">
+                    <xsl:value-of select="concat(', ', format-number(AudioFormat/SamplesPerSec, '#,##0'), ' Hz')"/>
+                </xsl:if>
+                <xsl:if test="AudioFormat/BitsPerSample != 0">
+                    <xsl:value-of select="concat(', ', AudioFormat/BitsPerSample, ' bit')"/>
+                </xsl:if>
+                <xsl:if test="AudioFormat/Channels != 0">
+                    <xsl:value-of select="concat(', ', AudioFormat/Channels, ' channel')"/>
+                    <xsl:if test="AudioFormat/Channels != 1">s</xsl:if>
+                </xsl:if>
+            </xsl:variable>
+            <xsl:if test="$format != ''">
+                <p class="format">
+                    <xsl:value-of select="substring($format, 3)"/>
+                </p>
+            </xsl:if>
         </div>
     </xsl:template>
 
@@ -192,11 +215,12 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                 <xsl:apply-templates select="." mode="label"/>
             </th>
             <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="$source/*[name() = name(current())]
-                    | $source/AudioFormat/*[name() = name(current())]"/>
+                <xsl:with-param name="fact" select="($source | $formats[parent::SourceFile])
+                    /*[name() = name(current())]"/>
             </xsl:call-template>
             <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="."/>
+                <xsl:with-param name="fact" select="($converted | $formats[parent::ConvertedFile])
+                    /*[name() = name(current())]"/>
             </xsl:call-template>
         </tr>
     </xsl:template>
@@ -205,83 +229,127 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         <xsl:variable name="name" select="concat(name(..), translate(@name, $upper, $lower))"/>
         <xsl:variable name="old" select="key('side', concat('SourceFile', $name))"/>
         <xsl:variable name="new" select="key('side', concat('ConvertedFile', $name))"/>
+        <xsl:variable name="oldValues">
+            <xsl:call-template name="values">
+                <xsl:with-param name="entries" select="$old"/>
+            </xsl:call-template>
+        </xsl:variable>
+        <xsl:variable name="newValues">
+            <xsl:call-template name="values">
+                <xsl:with-param name="entries" select="$new"/>
+            </xsl:call-template>
+        </xsl:variable>
         <tr>
             <th scope="row">
                 <bdi>
                     <xsl:value-of select="@name"/>
                 </bdi>
                 <xsl:if test="parent::IDTags and $sourceHasTags">
-                    <xsl:call-template name="difference">
-                        <xsl:with-param name="old" select="$old"/>
-                        <xsl:with-param name="new" select="$new"/>
-                    </xsl:call-template>
+                    <xsl:choose>
+                        <xsl:when test="not($old)">
+                            <xsl:value-of select="' '"/>
+                            <span class="note added">added</span>
+                        </xsl:when>
+                        <xsl:when test="not($new)">
+                            <xsl:value-of select="' '"/>
+                            <span class="note">lost</span>
+                        </xsl:when>
+                        <xsl:when test="string($oldValues) != string($newValues)">
+                            <xsl:value-of select="' '"/>
+                            <span class="note">changed</span>
+                        </xsl:when>
+                    </xsl:choose>
                 </xsl:if>
             </th>
-            <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="$old"/>
+            <xsl:call-template name="list">
+                <xsl:with-param name="entries" select="$old"/>
+                <xsl:with-param name="values" select="string($oldValues)"/>
             </xsl:call-template>
-            <xsl:call-template name="cell">
-                <xsl:with-param name="values" select="$new"/>
+            <xsl:call-template name="list">
+                <xsl:with-param name="entries" select="$new"/>
+                <xsl:with-param name="values" select="string($newValues)"/>
             </xsl:call-template>
         </tr>
     </xsl:template>
 
-    <xsl:template name="difference">
-        <xsl:param name="old"/>
-        <xsl:param name="new"/>
-        <xsl:variable name="before">
-            <xsl:for-each select="$old">
-                <xsl:value-of select="concat(., '&#13;')"/>
-            </xsl:for-each>
-        </xsl:variable>
-        <xsl:variable name="after">
-            <xsl:for-each select="$new">
-                <xsl:value-of select="concat(., '&#13;')"/>
-            </xsl:for-each>
-        </xsl:variable>
-        <xsl:choose>
-            <xsl:when test="not($old)">
-                <xsl:value-of select="' '"/>
-                <span class="note added">added</span>
-            </xsl:when>
-            <xsl:when test="not($new)">
-                <xsl:value-of select="' '"/>
-                <span class="note">lost</span>
-            </xsl:when>
-            <xsl:when test="string($before) != string($after)">
-                <xsl:value-of select="' '"/>
-                <span class="note">changed</span>
-            </xsl:when>
-        </xsl:choose>
-    </xsl:template>
-
+    <!-- The cell of a fact that stands alone, such as the size. -->
     <xsl:template name="cell">
-        <xsl:param name="values"/>
+        <xsl:param name="fact"/>
         <xsl:choose>
-            <xsl:when test="not($values) or (not($values[2]) and $values = '' and not($values/@name))">
+            <xsl:when test="not($fact != '')">
                 <td class="none">&#x2013;</td>
             </xsl:when>
             <xsl:otherwise>
                 <td>
-                    <xsl:apply-templates select="$values" mode="value"/>
+                    <xsl:apply-templates select="$fact" mode="value"/>
                 </td>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
+
+    <!-- The cell of the entries of one name; values has a CR between those of different values. -->
+    <xsl:template name="list">
+        <xsl:param name="entries"/>
+        <xsl:param name="values"/>
+        <xsl:choose>
+            <xsl:when test="$entries">
+                <td>
+                    <xsl:call-template name="blocks">
+                        <xsl:with-param name="text" select="$values"/>
+                    </xsl:call-template>
+                </td>
+            </xsl:when>
+            <xsl:otherwise>
+                <td class="none">&#x2013;</td>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
+
+    <!-- A block for each of the values in text. Splits near the middle, so that the depth stays small. -->
+    <xsl:template name="blocks">
+        <xsl:param name="text"/>
+        <xsl:param name="tail"/>
+        <xsl:variable name="half" select="floor(string-length($text) div 2)"/>
+        <xsl:variable name="right" select="substring($text, $half + 1)"/>
+        <xsl:choose>
+            <xsl:when test="contains($right, '&#13;')">
+                <xsl:call-template name="blocks">
+                    <xsl:with-param name="text"
+                        select="concat(substring($text, 1, $half), substring-before($right, '&#13;'))"/>
+                </xsl:call-template>
+                <xsl:call-template name="blocks">
+                    <xsl:with-param name="text" select="substring-after($right, '&#13;')"/>
+                    <xsl:with-param name="tail" select="$tail"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:when test="contains($text, '&#13;')">
+                <xsl:call-template name="blocks">
+                    <xsl:with-param name="text" select="substring($text, 1, $half)"/>
+                    <xsl:with-param name="tail" select="concat($right, $tail)"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+                <div class="value" dir="auto">
+                    <!-- A long value gets a box that scrolls and that the keyboard can reach. -->
+                    <xsl:if test="string-length($text) + string-length($tail) &gt; 1200">
+                        <xsl:attribute name="class">value long</xsl:attribute>
+                        <xsl:attribute name="tabindex">0</xsl:attribute>
+                    </xsl:if>
+                    <xsl:value-of select="concat($text, $tail)"/>
+                </div>
             </xsl:otherwise>
         </xsl:choose>
     </xsl:template>
 
     <xsl:template match="*" mode="value">
         <div class="value" dir="auto">
-            <!-- A long value gets a box that scrolls and that the keyboard can reach. -->
-            <xsl:if test="string-length() &gt; 1200">
-                <xsl:attribute name="class">value long</xsl:attribute>
-                <xsl:attribute name="tabindex">0</xsl:attribute>
-            </xsl:if>
             <xsl:value-of select="."/>
         </div>
     </xsl:template>
 
     <!-- Beyond fifteen digits a number would lose some of them. -->
-    <xsl:template match="FileSize | FileLength | FileBitrate | AudioFormat/*" mode="value">
+    <xsl:template match="FileSize | FileLength | FileBitrate | Channels | SamplesPerSec | BitsPerSample
+        | AvgBytesPerSec" mode="value">
         <div class="value">
             <xsl:choose>
                 <xsl:when test="string-length() &gt; 15">
@@ -291,8 +359,34 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                     <xsl:value-of select="format-number(., '#,##0')"/>
                 </xsl:otherwise>
             </xsl:choose>
+            <xsl:apply-templates select="." mode="reading"/>
         </div>
     </xsl:template>
+
+    <!-- What a number means in the usual unit, if it can be in that: no negative one, none beyond eleven days or
+         100 Mbit/s. -->
+    <xsl:template match="FileLength[. &gt; 0 and . &lt; 1000000000]" mode="reading">
+        <xsl:variable name="hours" select="floor(. div 3600000)"/>
+        <xsl:variable name="minutes" select="floor(. div 60000) mod 60"/>
+        <xsl:value-of select="' '"/>
+        <span class="reading">
+            <xsl:text>(</xsl:text>
+            <xsl:choose>
+                <xsl:when test="$hours &gt; 0">
+                    <xsl:value-of select="concat($hours, ':', format-number($minutes, '00'))"/>
+                </xsl:when>
+                <xsl:otherwise>
+                    <xsl:value-of select="$minutes"/>
+                </xsl:otherwise>
+            </xsl:choose>
+            <xsl:value-of select="concat(':', format-number(. mod 60000 div 1000, '00.000'), ' if milliseconds)')"/>
+        </span>
+    </xsl:template>
+    <xsl:template match="FileBitrate[. &gt; 0 and . &lt; 100000]" mode="reading">
+        <xsl:value-of select="' '"/>
+        <span class="reading">(usually kbit/s)</span>
+    </xsl:template>
+    <xsl:template match="*" mode="reading"/>
 
     <xsl:template match="FileCreated | FileModified | FileAccessed" mode="value">
         <div class="value">
@@ -301,7 +395,7 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
     </xsl:template>
 
     <xsl:template match="FileNamePath" mode="label">Folder</xsl:template>
-    <xsl:template match="FileSize" mode="label">Size</xsl:template>
+    <xsl:template match="FileSize" mode="label">Size in bytes</xsl:template>
     <xsl:template match="FileLength" mode="label">Length</xsl:template>
     <xsl:template match="FileBitrate" mode="label">Bitrate</xsl:template>
     <xsl:template match="FileCreated" mode="label">Created</xsl:template>
@@ -311,4 +405,58 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
     <xsl:template match="SamplesPerSec" mode="label">Samples per second</xsl:template>
     <xsl:template match="BitsPerSample" mode="label">Bits per sample</xsl:template>
     <xsl:template match="AvgBytesPerSec" mode="label">Bytes per second</xsl:template>
+    <xsl:template match="*" mode="label">
+        <xsl:value-of select="name()"/>
+    </xsl:template>
+
+    <!--
+        Writes the values of one tag, $entries, with a CR between them: no value holds one. A value with
+        Windows line ends was cut at the CR of each, so an entry that begins with LF goes on with the value
+        before it. An empty entry was LF alone if the nearest entry with a text before or after it begins so.
+
+        For a part of the entries, $before and $after are those nearest entries. Halves keep the depth small.
+    -->
+    <xsl:template name="values">
+        <xsl:param name="entries"/>
+        <xsl:param name="before" select="/.."/>
+        <xsl:param name="after" select="/.."/>
+        <xsl:variable name="half" select="floor(count($entries) div 2)"/>
+        <xsl:variable name="last" select="$entries[position() &lt;= $half][
+            . != '' or not(@name = preceding-sibling::*[1]/@name)][last()]"/>
+        <xsl:variable name="next" select="$entries[position() &gt; $half][
+            . != '' or not(@name = preceding-sibling::*[1]/@name)][1]"/>
+        <xsl:choose>
+            <xsl:when test="($last or $next) and $entries[. = '' and @name = preceding-sibling::*[1]/@name]
+                and ($entries[starts-with(., '&#10;')] or starts-with($before, '&#10;')
+                or starts-with($after, '&#10;'))">
+                <xsl:call-template name="values">
+                    <xsl:with-param name="entries" select="$entries[position() &lt;= $half]"/>
+                    <xsl:with-param name="before" select="$before"/>
+                    <xsl:with-param name="after" select="$next | $after[not($next)]"/>
+                </xsl:call-template>
+                <xsl:call-template name="values">
+                    <xsl:with-param name="entries" select="$entries[position() &gt; $half]"/>
+                    <xsl:with-param name="before" select="$last | $before[not($last)]"/>
+                    <xsl:with-param name="after" select="$after"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:variable name="blank" select="boolean(($before | $after)[starts-with(., '&#10;')
+                    and @name = preceding-sibling::*[1]/@name])"/>
+                <xsl:for-each select="$entries">
+                    <xsl:variable name="goesOn" select="@name = preceding-sibling::*[1]/@name
+                        and (starts-with(., '&#10;') or $blank and . = '')"/>
+                    <xsl:choose>
+                        <xsl:when test="not($goesOn) and ($before or position() &gt; 1)">
+                            <xsl:value-of select="'&#13;'"/>
+                        </xsl:when>
+                        <xsl:when test="$goesOn and . = ''">
+                            <xsl:value-of select="'&#10;'"/>
+                        </xsl:when>
+                    </xsl:choose>
+                    <xsl:value-of select="."/>
+                </xsl:for-each>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
 </xsl:stylesheet>

@@ -4,6 +4,10 @@
 
     Every value begins in the same column; a further value of a tag, or a further line of a value, stands
     under the first. A name too long for its column has its value on the next line. Lines end with CR LF.
+
+    Length and bitrate stay as the decoder gave them, since nothing says their units. Where the usual unit can
+    be the right one, what the number means in it follows in parentheses. An audio format of which nothing is
+    known is left out, and a value of nothing but blanks comes as an empty one from MSXML.
 -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
     <xsl:output method="text" encoding="UTF-8"/>
@@ -50,10 +54,12 @@
     </xsl:template>
 
     <xsl:template name="file">
-        <xsl:apply-templates select="FileName | FileNamePath | FileSize | FileLength | FileBitrate
-            | FileCreated | FileModified | FileAccessed"/>
-        <xsl:value-of select="concat($lineEnd, 'Audio format', $lineEnd)"/>
-        <xsl:apply-templates select="AudioFormat/*"/>
+        <xsl:apply-templates select="*[starts-with(name(), 'File')][not(self::FileNameNoExt or self::FileNameExt)]"/>
+        <!-- One of which nothing is known holds zeros. -->
+        <xsl:for-each select="AudioFormat[Channels != 0 or SamplesPerSec != 0 or BitsPerSample != 0]">
+            <xsl:value-of select="concat($lineEnd, 'Audio format', $lineEnd)"/>
+            <xsl:apply-templates select="*"/>
+        </xsl:for-each>
         <xsl:if test="AudioProperties/*">
             <xsl:value-of select="concat($lineEnd, 'Audio properties', $lineEnd)"/>
             <xsl:apply-templates select="AudioProperties"/>
@@ -70,7 +76,7 @@
                 <xsl:choose>
                     <xsl:when test="self::FileName">Name</xsl:when>
                     <xsl:when test="self::FileNamePath">Folder</xsl:when>
-                    <xsl:when test="self::FileSize">Size</xsl:when>
+                    <xsl:when test="self::FileSize">Size in bytes</xsl:when>
                     <xsl:when test="self::FileLength">Length</xsl:when>
                     <xsl:when test="self::FileBitrate">Bitrate</xsl:when>
                     <xsl:when test="self::FileCreated">Created (UTC)</xsl:when>
@@ -80,6 +86,9 @@
                     <xsl:when test="self::SamplesPerSec">Samples per second</xsl:when>
                     <xsl:when test="self::BitsPerSample">Bits per sample</xsl:when>
                     <xsl:when test="self::AvgBytesPerSec">Bytes per second</xsl:when>
+                    <xsl:otherwise>
+                        <xsl:value-of select="name()"/>
+                    </xsl:otherwise>
                 </xsl:choose>
             </xsl:with-param>
         </xsl:call-template>
@@ -92,8 +101,30 @@
                 <xsl:value-of select="."/>
             </xsl:otherwise>
         </xsl:choose>
+        <xsl:apply-templates select="." mode="reading"/>
         <xsl:value-of select="$lineEnd"/>
     </xsl:template>
+
+    <!-- What a number means in the usual unit, if it can be in that: no negative one, none beyond eleven days or
+         100 Mbit/s. -->
+    <xsl:template match="FileLength[. &gt; 0 and . &lt; 1000000000]" mode="reading">
+        <xsl:variable name="hours" select="floor(. div 3600000)"/>
+        <xsl:variable name="minutes" select="floor(. div 60000) mod 60"/>
+        <xsl:value-of select="' ('"/>
+        <xsl:choose>
+            <xsl:when test="$hours &gt; 0">
+                <xsl:value-of select="concat($hours, ':', format-number($minutes, '00'))"/>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:value-of select="$minutes"/>
+            </xsl:otherwise>
+        </xsl:choose>
+        <xsl:value-of select="concat(':', format-number(. mod 60000 div 1000, '00.000'), ' if milliseconds)')"/>
+    </xsl:template>
+    <xsl:template match="FileBitrate[. &gt; 0 and . &lt; 100000]" mode="reading">
+        <xsl:text> (usually kbit/s)</xsl:text>
+    </xsl:template>
+    <xsl:template match="*" mode="reading"/>
 
     <xsl:template match="AudioProperties | IDTags">
         <xsl:variable name="list" select="concat(generate-id(), ' ')"/>
@@ -102,14 +133,14 @@
             <xsl:call-template name="label">
                 <xsl:with-param name="text" select="@name"/>
             </xsl:call-template>
-            <xsl:for-each select="key('entry', concat($list, @name))">
-                <xsl:if test="position() &gt; 1">
-                    <xsl:value-of select="$newLine"/>
-                </xsl:if>
-                <xsl:call-template name="lines">
-                    <xsl:with-param name="text" select="string()"/>
+            <xsl:variable name="values">
+                <xsl:call-template name="values">
+                    <xsl:with-param name="entries" select="key('entry', concat($list, @name))"/>
                 </xsl:call-template>
-            </xsl:for-each>
+            </xsl:variable>
+            <xsl:call-template name="lines">
+                <xsl:with-param name="text" select="translate($values, '&#13;', '&#10;')"/>
+            </xsl:call-template>
             <xsl:value-of select="$lineEnd"/>
         </xsl:for-each>
     </xsl:template>
@@ -158,6 +189,57 @@
             </xsl:when>
             <xsl:otherwise>
                 <xsl:value-of select="concat($text, $clean)"/>
+            </xsl:otherwise>
+        </xsl:choose>
+    </xsl:template>
+
+    <!--
+        Writes the values of one tag, $entries, with a CR between them: no value holds one. A value with
+        Windows line ends was cut at the CR of each, so an entry that begins with LF goes on with the value
+        before it. An empty entry was LF alone if the nearest entry with a text before or after it begins so.
+
+        For a part of the entries, $before and $after are those nearest entries. Halves keep the depth small.
+    -->
+    <xsl:template name="values">
+        <xsl:param name="entries"/>
+        <xsl:param name="before" select="/.."/>
+        <xsl:param name="after" select="/.."/>
+        <xsl:variable name="half" select="floor(count($entries) div 2)"/>
+        <xsl:variable name="last" select="$entries[position() &lt;= $half][
+            . != '' or not(@name = preceding-sibling::*[1]/@name)][last()]"/>
+        <xsl:variable name="next" select="$entries[position() &gt; $half][
+            . != '' or not(@name = preceding-sibling::*[1]/@name)][1]"/>
+        <xsl:choose>
+            <xsl:when test="($last or $next) and $entries[. = '' and @name = preceding-sibling::*[1]/@name]
+                and ($entries[starts-with(., '&#10;')] or starts-with($before, '&#10;')
+                or starts-with($after, '&#10;'))">
+                <xsl:call-template name="values">
+                    <xsl:with-param name="entries" select="$entries[position() &lt;= $half]"/>
+                    <xsl:with-param name="before" select="$before"/>
+                    <xsl:with-param name="after" select="$next | $after[not($next)]"/>
+                </xsl:call-template>
+                <xsl:call-template name="values">
+                    <xsl:with-param name="entries" select="$entries[position() &gt; $half]"/>
+                    <xsl:with-param name="before" select="$last | $before[not($last)]"/>
+                    <xsl:with-param name="after" select="$after"/>
+                </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+                <xsl:variable name="blank" select="boolean(($before | $after)[starts-with(., '&#10;')
+                    and @name = preceding-sibling::*[1]/@name])"/>
+                <xsl:for-each select="$entries">
+                    <xsl:variable name="goesOn" select="@name = preceding-sibling::*[1]/@name
+                        and (starts-with(., '&#10;') or $blank and . = '')"/>
+                    <xsl:choose>
+                        <xsl:when test="not($goesOn) and ($before or position() &gt; 1)">
+                            <xsl:value-of select="'&#13;'"/>
+                        </xsl:when>
+                        <xsl:when test="$goesOn and . = ''">
+                            <xsl:value-of select="'&#10;'"/>
+                        </xsl:when>
+                    </xsl:choose>
+                    <xsl:value-of select="."/>
+                </xsl:for-each>
             </xsl:otherwise>
         </xsl:choose>
     </xsl:template>

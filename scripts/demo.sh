@@ -26,7 +26,7 @@ take_recordings() {
 take_recordings "$@"
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
-    wine wine64 flac ffmpeg alsa-utils libxml2-utils xsltproc
+    wine wine64 flac ffmpeg alsa-utils libxml2-utils xsltproc jq sqlite3
 
 if (($# == 0)); then
     take_recordings /usr/share/sounds/alsa/*.wav
@@ -82,8 +82,8 @@ done
 printf '\n%s\n\n' "$document"
 tr -d '\r' <"$document"
 
-printf '\nReading back what the style sheets made, with xsltproc, Python, metaflac and ffmpeg:\n'
+printf '\nReading back what the style sheets made, with xsltproc, Python, metaflac, ffmpeg, jq and SQLite:\n'
 python3 "$root/tests/stylesheets/check_sheets.py" "$root/build/demo-check" "$demo"
 
-printf '\n%d documents, accepted by xmllint and the schema, lie beside their FLAC files, each in six more forms, in\n%s\n' \
+printf '\n%d documents, accepted by xmllint and the schema, lie beside their FLAC files, each in seven more forms, in\n%s\n' \
     "$count" "$demo"

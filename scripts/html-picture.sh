@@ -4,7 +4,7 @@
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 no_arguments "$@"
 
-install_packages chromium python3 xsltproc libxml2-utils flac ffmpeg imagemagick
+install_packages chromium python3 xsltproc libxml2-utils flac ffmpeg jq sqlite3 imagemagick
 
 work=$root/build/html-picture
 rm -rf "$work"

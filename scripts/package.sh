@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # Makes the package of the last commit, build/package/WriteMetadataFile-<version>-win64.zip, and proves it: a second
-# build in another folder gives the same bytes, it holds what ships and nothing else, and the stand-in for the
-# converter gets a document and a page from it where it was unzipped.
+# build in another folder gives the same bytes, it holds what ships and nothing else, versions and links in it are
+# right, and the stand-in for the converter gets a document and a page from it where it was unzipped. The file with
+# .sha256 after its name is for sha256sum -c.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 no_arguments "$@"
+source "$root/scripts/package-content.sh"
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git googletest wine wine64 \
-    zip unzip flac alsa-utils libxml2-utils
+    zip unzip flac alsa-utils libxml2-utils cmark-gfm python3
 
 work=$root/build/package
 rm -rf "$work"
@@ -42,14 +44,8 @@ user=$work/user
 unzip -q "$zip" -d "$user"
 cd "$user"
 
-pages=(docs/{installing,settings,style-sheets,document,troubleshooting}.md docs/{settings-panel.png,AudioMetadata.xsd})
-diff <({ git -C "$root" ls-files XSLT && printf '%s\n' WriteMetadataFile.dll "${pages[@]}"; } | sort) \
-    <(find . -type f -printf '%P\n' | sort) || fail "the package does not hold what it should (<) or more (>)"
-grep -o '](\([^)#]*\)' docs/*.md | while IFS=: read -r page link; do
-    [[ $link == '](http'* || -z ${link:2} || -e docs/${link:2} ]] || fail "$page links to ${link:2}, which does not ship"
-done
-[[ $zip == *-"$(strings -el WriteMetadataFile.dll | grep -A1 -x FileVersion | tail -n 1)"-win64.zip ]] ||
-    fail "the library's version is another than the package's"
+version=${zip##*/WriteMetadataFile-}
+check_package_content . "${version%-win64.zip}"
 
 build mingw-release dsphost wav flac
 start_wine wine
@@ -67,9 +63,12 @@ xmllint --noout --schema docs/AudioMetadata.xsd music/song.xml
 convert "-xsltfile=\"$(windows_path "$user/XSLT/Html.xslt")\" -ext=\".html\""
 grep -q '>Packed<.*</html>' <(tr -d '\r\n' <music/song.html) || fail "the page lacks the title"
 
+# Last, so that there is a sum only for what was proved.
+cd "$work"
+sha256sum "${zip##*/}" >"${zip##*/}.sha256"
 printf '\n%s\n%s bytes, SHA-256 %s, the same from both builds\n' "$zip" "$(stat -c %s "$zip")" \
-    "$(sha256sum <"$zip" | cut -d ' ' -f 1)"
+    "$(cut -d ' ' -f 1 "$zip.sha256")"
 
 "$root/scripts/check-package.sh"
-cmp WriteMetadataFile.dll <(unzip -p "${zip%.zip}-check.zip" dist/WriteMetadataFile.dll) ||
+cmp "$user/WriteMetadataFile.dll" <(unzip -p "${zip%.zip}-check.zip" dist/WriteMetadataFile.dll) ||
     fail "the check has another library, as there are changes that are not committed"

@@ -18,7 +18,7 @@ fi
     wrong_arguments "the preset is mingw-release or mingw-debug, not \"$preset\""
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
-    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc clang libclang-rt-14-dev
+    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc jq sqlite3 cmark-gfm clang libclang-rt-14-dev
 
 found=0
 failed=()

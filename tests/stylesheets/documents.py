@@ -19,15 +19,40 @@ FACTS = tuple(name for name in schema_elements("File") if name.startswith("File"
 NUMBERS = tuple(name for name, kind in schema_elements("File").items() if "igned" in kind)
 
 
+# Tags with line breaks, as their file has them, and the values that a reader of the document gets from each.
+LINE_ENDS = [
+    ("LYRICS", "line1\r\nline2\r\n\r\nline4", ["line1\nline2\n\nline4"]),
+    ("lyrics", "\nnot the tag before it", ["\nnot the tag before it"]),
+    ("LAST", "one\r\ntwo\r\n\r\n", ["one\ntwo\n\n"]),
+    ("FIRST", "\r\n\r\none", ["\n\none"]),
+    ("UNIX", "one\n\ntwo\rthree", ["one\n\ntwo", "three"]),
+    ("SEVERAL", "1\r\nand a half\r\n\r2\r\r3\r\n\r\n.", ["1\nand a half\n", "2", "", "3\n\n."]),
+    ("NONE", "one\r\rthree\r\r", ["one", "", "three", "", ""]),
+    ("NONE AGAIN", "\r\r", ["", "", ""]),
+    ("FAR", "one" + "\r\n" * 9 + "two", ["one" + "\n" * 9 + "two"]),
+    # Entries of one name that do not stand side by side.
+    ("APART", "one\r", ["one", "", "\ntwo\nthree\n"]),
+    ("BETWEEN", "x", ["x"]),
+    ("APART", "\r\ntwo\r\nthree\r\n", []),
+    ("PARTED", "one\r\ntwo", ["one\ntwo", "", "", "three"]),
+    ("BETWEEN", "y", ["y"]),
+    ("PARTED", "\r\rthree", []),
+    ("DIVIDED", "one\r", ["one", "", "\ntwo"]),
+    ("BETWEEN", "z", ["z"]),
+    ("DIVIDED", "\ntwo", []),
+]
+
+
 def entry_line(name, value):
+    """The value's entries: it is cut at every CR."""
     element = re.sub(r"""[# &"'<>()/\\:]""", "", name)
     name, value = (saxutils.escape(text, {'"': "&quot;", "'": "&apos;"}) for text in (name, value))
-    return f'\t\t\t<{element} name="{name}">{value}</{element}>\n'
+    return "".join(f'\t\t\t<{element} name="{name}">{piece}</{element}>\n' for piece in value.split("\r"))
 
 
 def with_line_ends(text, end):
     """The plug-in writes CR LF, and gives a document to a style sheet as one line; values keep their own."""
-    return re.sub(r"\n(?=\t*<|$)", end, text).encode()
+    return re.sub(r"(?<!\">)\n(?=\t*<|$)", end, text).encode()
 
 
 def samples():
@@ -36,10 +61,25 @@ def samples():
     nasty = Path(__file__).with_name("nasty.xml").read_text("utf-8")
     bare = re.sub(r"(?s)(<(AudioProperties|IDTags)>\n).*?(\t*</\2>)", r"\1\3", speech)
     lyrics = "".join(f'{i}: "so" weit = so gut; #{i} \\ \U0001d11e\n' for i in range(3000)) + "\u6b4c"
-    tags = [("LYRICS", lyrics), ("QUOTES", '"' * 100000), ("BREAKS", "\n" * 20000 + "end"),
-            ("THE LAST LARGE VALUE", "x" * 100000 + ';"'), *(("MANY", f"value {i}") for i in range(2000)),
-            *((f"Tag {i}", f"value {i}") for i in range(500))]
+    windows = "text\r\n\r\n" * 5000 + "\r\n" * 5000
+    tags = [("LYRICS", lyrics), ("WINDOWS", windows), ("QUOTES", '"' * 100000),
+            ("BREAKS", "\n" * 20000 + "end"), ("THE LAST LARGE VALUE", "x" * 100000 + ';"'),
+            *(("MANY", f"value {i}") for i in range(2000)), *((f"Tag {i}", f"value {i}") for i in range(500))]
+    nosource = re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7)
     head, tail = bare.rsplit("\t\t</IDTags>", 1)
+
+    def tagged(*tags):
+        return "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail])
+
+    def with_numbers(document, **numbers):
+        for fact, values in numbers.items():
+            values = iter(values)
+            document = re.sub(f"(?<=<{fact}>)[^<]*", lambda _: str(next(values)), document)
+        return document
+    unknown = {"Channels": (0, 0), "SamplesPerSec": (0, 0), "BitsPerSample": (0, 0), "AvgBytesPerSec": (1, 1)}
     return {"speech": speech, "nasty": nasty,
-            "nosource": re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7),
-            "long": "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail])}
+            "noformat": with_numbers(bare, **unknown, FileLength=(1428, 0), FileBitrate=(100000, 0)),
+            "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
+                                       FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
+            "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
+            "long": tagged(*tags), "lines": tagged(*((name, text) for name, text, _ in LINE_ENDS))}

@@ -14,9 +14,11 @@ python3 -c 'import wave
 with wave.open("tone.wav", "wb") as tone:
     tone.setparams((2, 2, 44100, 0, "NONE", ""))
     tone.writeframes(bytes(44100))'
+printf 'line %d\r\n\r\n' {1..5000} >windows.txt
 flac --silent --output-name awkward.flac tone.wav \
     --tag 'TITLE=Größe 😀 "quoted" \back & <tag>; #1 = 🎵' --tag 'ARTIST=Zoë, Ång' --tag 'ARTIST=مساء' --tag 'ARTIST=C; D' \
-    --tag $'COMMENT=first line\nsecond\tline' --tag 'EMPTY=' --tag 'with space=x' --picture "$root/tests/data/cover.png"
+    --tag $'COMMENT=first line\nsecond\tline' --tag 'EMPTY=' --tag 'PATH=C:\music\' --tag 'with space=x' --picture "$root/tests/data/cover.png" \
+    --tag $'LYRICS=line1\r\nline2\r\n\r\nline4\r\n' --tag-from-file LONG=windows.txt
 flac --silent --output-name bare.flac tone.wav
 
 dsphost=$build/tools/dsphost.exe
@@ -25,3 +27,7 @@ for name in awkward bare; do
     transform "$build" "$work/tone.wav" "$work/$name.flac"
 done
 python3 "$root/tests/stylesheets/check_sheets.py" "$2/read" "$work"
+
+# What the page shows for Windows does as what it shows for others.
+run_wine cmd /c "$(sed -n 's/^ *\(copy .*\)/\1/p' "$root/docs/style-sheets.md")" </dev/null
+cmp all.csv "$2/read/folder/all.csv"

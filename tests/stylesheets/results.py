@@ -1,0 +1,30 @@
+"""What the checks of this folder share: counting results, running programs, taking examples out of the pages."""
+import os
+import re
+import subprocess
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+
+class Results:
+    def __init__(self):
+        self.passed = self.failed = 0
+
+    def equal(self, label, got, want):
+        self.passed += got == want
+        self.failed += got != want
+        if got != want:
+            start = max(0, len(os.path.commonprefix([repr(got), repr(want)])) - 60)
+            print(f"FAILED {label}\n  got  {repr(got)[start:][:300]}\n  want {repr(want)[start:][:300]}")
+
+
+def run(*command, stdin=b"", cwd=None):
+    return subprocess.run([str(part) for part in command], input=stdin, capture_output=True, timeout=120, cwd=cwd)
+
+
+def page_example(page, holding):
+    """The one code block of docs/`page` that holds this text."""
+    blocks = re.findall(r"(?ms)^```[a-z]*\n(.*?)^```$", (ROOT / "docs" / page).read_text("utf-8"))
+    block, = [block for block in blocks if holding in block]
+    return block

@@ -1,0 +1,65 @@
+"""The schema, by the command of docs/document.md as it stands there: it takes every document; this it must refuse."""
+import re
+
+from documents import entry_line, samples
+from results import ROOT, page_example, run
+
+REFUSED = [
+    ("order", r"(?s)(<FileName>.*?</FileName>)\s*(<FileNameNoExt>.*?</FileNameNoExt>)", r"\2\1"),
+    ("missing element", r"<FileBitrate>[^<]*</FileBitrate>", ""),
+    ("element twice", r"(<Channels>[^<]*</Channels>)", r"\1\1"),
+    ("third child", r"</AudioMetadata>", "<Extra/></AudioMetadata>"),
+    ("attribute", r"<IDTags>", '<IDTags name="x">'),
+    ("size beyond 64 bits", r"(<FileSize>)[^<]*", r"\g<1>9223372036854775808"),
+    ("bitrate beyond 32 bits", r"(<FileBitrate>)[^<]*", r"\g<1>2147483648"),
+    ("leading zero", r"(<FileLength>)[^<]*", r"\g<1>007"),
+    ("channels beyond 16 bits", r"(<Channels>)[^<]*", r"\g<1>65536"),
+    ("negative channels", r"(<Channels>)[^<]*", r"\g<1>-1"),
+    ("no bytes a second", r"(<AvgBytesPerSec>)[^<]*", r"\g<1>0"),
+    ("extension without its dot", r"(<FileNameExt>)[^<]*", r"\g<1>wav"),
+    ("time without seconds", r"(<FileCreated>[^<]*):\d\d<", r"\1<"),
+    ("hour 24", r"(<FileCreated>[^<]*T)\d\d", r"\g<1>24"),
+    ("minute 60", r"(<FileCreated>[^<]*T\d\d:)\d\d", r"\g<1>60"),
+    ("second 60", r"(<FileCreated>[^<]*):\d\d<", r"\1:60<"),
+    ("time of day without its T", r"(<FileCreated>)[^<]*T", r"\1"),
+]
+REFUSED_BY_RULES = [
+    ("no name", r"<TITLE name=\"TITLE\">", "<TITLE>"),
+    ("second attribute", r"<TITLE name", '<TITLE lang="x" name'),
+    ("child element", r"<TITLE ([^>]*)>", r"<TITLE \1><b/>"),
+    ("name not the element's", r"name=\"TITLE\"", 'name="TITEL"'),
+    ("hidden property", r"<Encoding name=\"Encoding\">([^<]*)</Encoding>", r'<_E name="_E">\1</_E>'),
+    ("blank before a number", r"<FileSize>", "<FileSize> "),
+    ("line break after a number", r"</Channels>", "\n</Channels>"),
+]
+TAKEN_TIMES = ["2024-03-07T", "T13:05:09", "T"]
+NOT_WELL_FORMED = ["1st", "-x", ".x", "a!b", "a=b", "a,b", "[x]", "( )", "a\tb", "a\x01"]
+
+
+def check_schema(results, documents, work):
+    folder = work / "schema"
+    folder.mkdir(exist_ok=True)
+    (folder / "AudioMetadata.xsd").write_bytes((ROOT / "docs" / "AudioMetadata.xsd").read_bytes())
+    command = page_example("document.md", "--schematron")
+
+    def verdicts(xml):
+        """Of the rules and of the schema, and the command's status; none of a text that is no XML."""
+        (folder / "song.xml").write_bytes(xml)
+        made = run("sh", "-c", command, cwd=folder)
+        found = re.findall("(?m)^song.xml (validates|fails to validate)$", made.stderr.decode())
+        return [verdict == "validates" for verdict in found], made.returncode
+
+    for document in documents:
+        results.equal(document.name, verdicts(document.read_bytes()), ([True, True], 0))
+    speech = samples()["speech"]
+    for cases, part in ((REFUSED_BY_RULES, 0), (REFUSED, 1)):
+        for label, pattern, replacement in cases:
+            xml, changes = re.subn(pattern, replacement, speech, count=1)
+            taken, status = verdicts(xml.encode())
+            results.equal(f"refused: {label}", (changes, taken[part:part + 1], status != 0), (1, [False], True))
+    for time in TAKEN_TIMES:
+        xml = re.sub("(<FileCreated>)[^<]*", rf"\g<1>{time}", speech)
+        results.equal(f"taken: {time}", verdicts(xml.encode()), ([True, True], 0))
+    for name in NOT_WELL_FORMED:
+        xml = speech.replace("</IDTags>", entry_line(name, "x") + "</IDTags>")
+        results.equal(f"not well-formed: {name!r}", verdicts(xml.encode()), ([], 1))

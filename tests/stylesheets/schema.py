@@ -15,6 +15,8 @@ REFUSED = [
     ("leading zero", r"(<FileLength>)[^<]*", r"\g<1>007"),
     ("channels beyond 16 bits", r"(<Channels>)[^<]*", r"\g<1>65536"),
     ("negative channels", r"(<Channels>)[^<]*", r"\g<1>-1"),
+    ("negative bits", r"(<BitsPerSample>)[^<]*", r"\g<1>-1"),
+    ("sample rate beyond 31 bits", r"(<SamplesPerSec>)[^<]*", r"\g<1>2147483648"),
     ("no bytes a second", r"(<AvgBytesPerSec>)[^<]*", r"\g<1>0"),
     ("extension without its dot", r"(<FileNameExt>)[^<]*", r"\g<1>wav"),
     ("time without seconds", r"(<FileCreated>[^<]*):\d\d<", r"\1<"),

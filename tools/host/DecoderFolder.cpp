@@ -3,6 +3,7 @@
 #include "decoders/FindDecoder.h"
 #include "support/ModuleFolder.h"
 #include "support/Paths.h"
+#include "support/XFileFind.h"
 #include "tools/host/Console.h"
 
 namespace {

@@ -185,6 +185,10 @@ def check_html(results, label, data, content, _work):
     results.equal(label + " facts", [row for row in rows if row[1:] != ["Source", "Converted"]][:len(want)], want)
     results.equal(label + " formats", ["".join(element.itertext()) for element in page if element.get("class") == "format"],
                   [text for text in map(html_format, content.format.values()) if text])
+    if label.startswith("nasty"):
+        tags = [["Tags", "Source", "Converted"], ["مزاج changed", "هادئ", "x"], ["LOST lost", "gone", "\u2013"],
+                ["SAME", "kept", "kept"], ["#xy added", "\u2013", "no comment"]]
+        results.equal(label + " tags", [row for row in rows if row in tags], tags)
     outside = {"src", "href", "srcset", "data", "action", "script", "link", "iframe", "object"}
     used = {name for element in page for name in (element.tag, *element.attrib)}
     results.equal(label + " alone", (used & outside, re.findall(r"url\(|@import", styles)), (set(), []))

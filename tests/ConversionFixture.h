@@ -35,22 +35,14 @@ protected:
                                          FILE_ATTRIBUTE_NORMAL, nullptr));
         FILETIME time = {};
         SystemTimeToFileTime(&written, &time);
-        ULARGE_INTEGER ticks = {{time.dwLowDateTime, time.dwHighDateTime}};
-        ticks.QuadPart += 10'000'000ULL * 3600; // read an hour later
-        const FILETIME accessed = {ticks.LowPart, ticks.HighPart};
-        EXPECT_TRUE(SetFileTime(file.Get(), &time, &accessed, &time));
-    }
-
-    /// The creation time as the system keeps it; not every system keeps the one that was set.
-    static std::string Created(const std::wstring& path) {
-        WIN32_FILE_ATTRIBUTE_DATA data = {};
-        SYSTEMTIME time = {};
-        EXPECT_TRUE(GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data));
-        EXPECT_TRUE(FileTimeToSystemTime(&data.ftCreationTime, &time));
-        char text[32];
-        snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", time.wYear, time.wMonth, time.wDay,
-                 time.wHour, time.wMinute, time.wSecond);
-        return text;
+        const auto later = [time](int64_t hours) {
+            ULARGE_INTEGER ticks = {{time.dwLowDateTime, time.dwHighDateTime}};
+            ticks.QuadPart += static_cast<uint64_t>(hours * 36'000'000'000);
+            return FILETIME{ticks.LowPart, ticks.HighPart};
+        };
+        const FILETIME created = later(-1);
+        const FILETIME accessed = later(1);
+        EXPECT_TRUE(SetFileTime(file.Get(), &created, &accessed, &time));
     }
 
     AfterConversionInfo Info() {

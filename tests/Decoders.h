@@ -53,6 +53,17 @@ public:
     }
     static std::wstring PathOf(const std::wstring& name) { return Folder() + name; }
 
+    /// Whether the file system lists by name what was made in another order; "lib.dll" must be there.
+    static bool AreListedByName() {
+        WIN32_FIND_DATAW first = {};
+        WriteTestFile(PathOf(L"a.dll"), "");
+        const OwnedFind search(FindFirstFileW(PathOf(L"*.dll").c_str(), &first));
+        DeleteFileW(PathOf(L"a.dll").c_str());
+        return std::wcscmp(first.cFileName, L"a.dll") == 0;
+    }
+
+    static constexpr const char* kUnsorted = "this file system, unlike NTFS, does not list files by name";
+
     static constexpr const wchar_t* kCacheKey = L"Software\\Brevik\\Zentaro\\DecoderCache64";
 
     /// The stored text or "none".
@@ -87,7 +98,7 @@ public:
 
 private:
     static void Clear() {
-        TempFolder::Remove(PathOf(L"."));
+        TempFolder::Remove(Folder().substr(0, Folder().size() - 1));
         RegDeleteKeyW(HKEY_CURRENT_USER, kCacheKey);
     }
 

@@ -131,7 +131,7 @@ protected:
             ASSERT_TRUE(stub.calls == 0 || known) << "How does it fail? " << stub.name;
         }
         // The first mismatch ends the test: what reports it takes handles and memory as well.
-        const size_t handles = HighestFreshHandle();
+        const size_t handles = HandlesInUse();
         const size_t used = Heap::used;
         for (const Failure& failure : failures) {
             const std::string& name = failure.function;
@@ -150,13 +150,17 @@ protected:
             }
             ASSERT_EQ(Play(round, failure, 0), well) << name;
             ASSERT_EQ(Heap::used, used) << name;
-            ASSERT_EQ(HighestFreshHandle(), handles) << name;
+            ASSERT_LE(HandlesInUse(), handles + SystemsHandles()) << name;
+            if (!RunsUnderWine()) { // a system where some of the calls are not made, as when the labels fit
+                results.insert(failure.results.begin(), failure.results.end());
+            }
             ASSERT_EQ(results, failure.results) << name;
         }
     }
 
     /// The whole life of an instance on a thread that never was in the plug-in: what its calls answered if
-    /// that is not 1, what became of the output file, and the error lines without file names and scopes.
+    /// that is not 1, what became of the output file, and the error lines without file names, scopes and what
+    /// Windows' parser says of itself.
     std::string Convert() {
         WriteTestFile(document, "kept");
         const OwnedFile errors = CreateTestFile(errorPath);
@@ -179,23 +183,35 @@ protected:
                 result = "not created, ";
             }
         });
-        const std::string bytes = ReadBytes(document);
+        const std::string bytes = Written();
         result += bytes == whole         ? "whole"
                   : bytes == "kept"      ? "kept"
                   : bytes.empty()        ? "empty"
                   : bytes.ends_with(end) ? "less"
                                          : "other";
         for (const std::wstring& line : Lines(ReadUtf16(errorPath))) {
-            result += "; " + Narrow(line.substr(0, std::min(line.find(L" '"), line.find(L"  ["))));
+            const size_t colon = RunsUnderWine() ? std::wstring::npos : line.find(L": ");
+            const std::wstring text = line.substr(0, colon == std::wstring::npos ? colon : colon + 2);
+            result += "; " + Narrow(text.substr(0, std::min(text.find(L" '"), text.find(L"  ["))));
         }
         return result;
     }
 
+    /// The output file without what a stream's memory may hold behind the end.
+    std::string Written() const {
+        const std::string bytes = ReadBytes(document);
+        const size_t at = bytes.rfind(end);
+        return at == std::string::npos ? bytes : bytes.substr(0, at + end.size());
+    }
+
     /// Lets the calls of conversions fail, `failures` and those of every conversion.
     void LetConversionsFail(Failures failures, const std::string& missingSheet = "whole") {
+        if (!Decoders::AreListedByName()) {
+            GTEST_SKIP() << Decoders::kUnsorted;
+        }
         decoders.Add(L"a.dll").decodes = {L".other"};
         Convert();
-        whole = ReadBytes(document);
+        whole = Written();
         const std::string noInfo = "less; Failed to find decoder to read audio properties from file";
         const std::string noTags = "less; Failed to find decoder to read ID tags from file";
         const Results someLess = {"whole", "less", noInfo, noTags};
@@ -319,22 +335,25 @@ protected:
     FailingParser() {
         CoInitialize(nullptr);
         IXMLDOMDocument* xml = nullptr;
+        IXMLDOMDocument* freeThreaded = nullptr;
         IXSLTemplate* sheets = nullptr;
         IXSLProcessor* processor = nullptr;
         IXMLDOMParseError* parseError = nullptr;
-        Make(xml, L"{F6D90F12-9C73-11D3-B32E-00C04F990BB4}", L"{2933BF81-7B36-11D2-B20E-00C04F983E60}");
+        Make(xml, L"{F6D90F11-9C73-11D3-B32E-00C04F990BB4}", L"{2933BF81-7B36-11D2-B20E-00C04F983E60}");
+        Make(freeThreaded, L"{F6D90F12-9C73-11D3-B32E-00C04F990BB4}",
+             L"{2933BF81-7B36-11D2-B20E-00C04F983E60}");
         Make(sheets, L"{2933BF94-7B36-11D2-B20E-00C04F983E60}", L"{2933BF93-7B36-11D2-B20E-00C04F983E60}");
         std::wstring text = L"<s:stylesheet version='1.0' xmlns:s='http://www.w3.org/1999/XSL/Transform'/>";
         VARIANT_BOOL loaded = VARIANT_FALSE;
-        xml->loadXML(text.data(), &loaded);
+        freeThreaded->loadXML(text.data(), &loaded);
         xml->get_parseError(&parseError);
-        sheets->putref_stylesheet(xml);
+        sheets->putref_stylesheet(freeThreaded);
         sheets->createProcessor(&processor);
         const struct {
             const char* name;
             void* object;
             size_t method;
-        } methods[] = {{"query document", xml, 0},     {"load", xml, 58},
+        } methods[] = {{"query document", xml, 0},     {"load", freeThreaded, 58},
                        {"parseError", xml, 60},        {"loadXML", xml, 65},
                        {"query template", sheets, 0},  {"putref_stylesheet", sheets, 7},
                        {"createProcessor", sheets, 9}, {"put_output", processor, 13},
@@ -349,10 +368,11 @@ protected:
         creation->SetDescription(description.data());
         creation->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&told));
         settings = L"-xsltfile=\"" + sheet + L"\"";
-        end = "END";
+        end = "[END]";
     }
 
     const std::wstring sheet = folder + L"sheet.xsl";
+    const std::string reported = RunsUnderWine() ? "told" : ""; // which Windows' parser may replace
 };
 
 TEST_F(FailingParser, InATransformation) {
@@ -360,7 +380,7 @@ TEST_F(FailingParser, InATransformation) {
                   "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
                   "<xsl:output method='text' encoding='UTF-8'/><xsl:template match='/'>"
                   "<xsl:for-each select='//FileCreated|//FileModified|//FileAccessed|//FileBitrate|//IDTags|"
-                  "//AudioProperties'><xsl:value-of select='.'/></xsl:for-each>END"
+                  "//AudioProperties'><xsl:value-of select='.'/></xsl:for-each>[END]"
                   "</xsl:template></xsl:stylesheet>");
     const std::string loadXml = "kept; Error loading intermediate XML: ";
     const std::string loadSheet = "kept; Error loading XSLT file: ";
@@ -378,11 +398,11 @@ TEST_F(FailingParser, InATransformation) {
             {"query document", E_NOINTERFACE, 0, {loadXml, loadSheet}},
             {"query template", E_NOINTERFACE, 0, {apply}},
             {"SysAllocStringLen", 0, 0, {outOfMemory}},
-            {"loadXML", E_FAIL, 0, {loadXml + "told"}},
+            {"loadXML", E_FAIL, 0, {loadXml + reported}},
             {"loadXML", S_FALSE, 0, {"kept; Loading intermediate XML failed; "}},
-            {"load", E_FAIL, 0, {loadSheet + "told"}},
+            {"load", E_FAIL, 0, {loadSheet + reported}},
             {"load", S_FALSE, 0, {"kept; Loading XSL failed; "}},
-            {"putref_stylesheet", E_FAIL, 0, {other}},
+            {"putref_stylesheet", E_FAIL, 0, RunsUnderWine() ? Results{other} : Results{apply, other}},
             {"createProcessor", E_FAIL, 0, {apply}},
             {"createProcessor", S_OK, 0, {other}}, // and gives none
             {"CreateStreamOnHGlobal", E_OUTOFMEMORY, 0, {other}},
@@ -399,9 +419,10 @@ TEST_F(FailingParser, WithABrokenStyleSheet) {
     WriteTestFile(sheet, "<");
     const Round round = [this] { return Convert(); };
     EXPECT_EQ(round(), "kept; Loading XSL failed; ");
-    for (const auto& [method, description] : {std::pair{"parseError", "told"}, std::pair{"reason", ""}}) {
+    for (const auto& [method, known] :
+         {std::pair{"parseError", reported}, std::pair{"reason", std::string()}}) {
         EXPECT_EQ(Play(round, {method, E_FAIL, 0, {}}, 1),
-                  std::string("kept; Loading XSL failed; Error loading XSLT file: ") + description);
+                  "kept; Loading XSL failed; Error loading XSLT file: " + known);
     }
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "support/Owner.h"
+#include "tests/Wine.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -30,10 +31,24 @@ public:
 
     std::wstring Path(const std::wstring& name) const { return m_folder + L"\\" + name; }
 
-    /// Deletes a folder and everything below it.
+    /// Deletes a folder, given as a whole path, and everything below it.
     static void Remove(const std::wstring& folder) {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder, ignored);
+        const std::wstring base = (folder.starts_with(L"\\\\") ? L"" : L"\\\\?\\") + folder; // of any length
+        WIN32_FIND_DATAW found;
+        OwnedFind search(FindFirstFileW((base + L"\\*").c_str(), &found));
+        for (bool more = search.IsValid(); more; more = FindNextFileW(search.Get(), &found)) {
+            const std::wstring path = base + L"\\" + found.cFileName;
+            if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+                // On Windows a virus scanner may hold on to a new file.
+                for (int i = RunsUnderWine() ? 99 : 0; !DeleteFileW(path.c_str()) && i < 99; ++i) {
+                    Sleep(20);
+                }
+            } else if (std::wcscmp(found.cFileName, L".") != 0 && std::wcscmp(found.cFileName, L"..") != 0) {
+                Remove(path);
+            }
+        }
+        search.Reset();
+        RemoveDirectoryW(base.c_str());
     }
 
 private:

@@ -42,11 +42,15 @@ TEST(FileExists, TellsFilesFoldersRootsAndWildcards) {
     const TempFolder folder;
     WriteTestFile(folder.Path(L"song.flac"), "");
     CreateDirectoryW(folder.Path(L"sub").c_str(), nullptr);
+    wchar_t freeDrive = L'Z';
+    while ((GetLogicalDrives() >> (freeDrive - L'A') & 1) != 0) {
+        --freeDrive;
+    }
     const std::pair<std::wstring, bool> rows[] = {
         {L"", false},
         {L"C:", true},
         {L"C:\\", true},
-        {L"Q:\\", false},
+        {std::wstring(1, freeDrive) + L":\\", false},
         {folder.Path(L"song.flac\\\\"), true}, // backslashes at the end do not count
         {folder.Path(L"sub"), true},
         {folder.Path(L"*.FLAC"), true},

@@ -47,8 +47,11 @@ protected:
 };
 
 TEST_F(Hostile, ConvertsAgainAfterAnOutputThatCannotBeWritten) {
-    // The second is a full disk where there is a system with such a device below.
-    for (const std::wstring& output : {folder + L"none\\out.xml", std::wstring(L"Z:\\dev\\full")}) {
+    std::vector<std::wstring> outputs = {folder + L"none\\out.xml"};
+    if (RunsUnderWine()) {
+        outputs.push_back(L"Z:\\dev\\full"); // the device below that is a full disk
+    }
+    for (const std::wstring& output : outputs) {
         EXPECT_EQ(Errors(L"-filename=\"" + output + L"\""), L"") << output;
         EXPECT_FALSE(IsWhole(output)) << output;
         EXPECT_EQ(Errors(), L"") << output;

@@ -94,7 +94,7 @@ void MakeWindow(XWindow& object) {
 }
 
 void MakeDialog(XWindow& object) {
-    struct {
+    struct alignas(DWORD) {
         DLGTEMPLATE head = {WS_POPUP, 0, 0, 0, 0, 100, 50};
         WORD menuClassTitle[3] = {};
     } dialog;

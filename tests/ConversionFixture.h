@@ -3,6 +3,8 @@
 #include "tests/Decoders.h"
 #include "tests/PluginHarness.h"
 
+#include <filesystem>
+
 /// A conversion as the host reports it, with real files and one fixture decoder for both.
 class ConversionTest : public testing::Test {
 protected:

@@ -24,7 +24,7 @@ bool TryCachedLibrary(const XString& programFolder, const XString& extension, cl
     if (cached.IsEmpty()) {
         return false;
     }
-    XString candidate(programFolder.Text());
+    XString candidate = programFolder.Copy();
     candidate.Append(L"decoder\\");
     candidate.Append(GetFileName(cached));
     return TryDecoderLibrary(candidate.Text(), extension, decoder, context);

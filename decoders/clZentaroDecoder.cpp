@@ -48,14 +48,11 @@ void clZentaroDecoder::DestroyInstance() noexcept {
 }
 
 bool clZentaroDecoder::Decodes(const wchar_t* extension) const noexcept {
-    if (m_instance == nullptr) {
-        return false;
-    }
-    for (uint32_t index = 0;; ++index) {
+    for (uint32_t index = 0; m_instance != nullptr; ++index) {
         DecoderGetRecord record = {};
         record.index = index;
         if (m_get(m_instance, L"Decodes", &record) == 0 || record.text == nullptr) {
-            return false;
+            break;
         }
         if (Compare(record.text, extension, 0, true) == 0) {
             return true;

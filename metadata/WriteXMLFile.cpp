@@ -21,7 +21,7 @@ constexpr const wchar_t* kNoSourceFile = L"-";
 
 XString OutputPath(const MetadataContext& context, const XString& convertedFile) {
     if (!context.outputName.IsEmpty()) {
-        return XString(context.outputName.Text());
+        return context.outputName.Copy();
     }
     XString path = GetFilePath(convertedFile);
     path.Append(GetFileNameNoExt(convertedFile));

@@ -4,12 +4,10 @@
 #include <cstdint>
 #include <memory>
 
-/// Owned bytes of one allocation, at most 4 GiB. Moves and never copies. Pure code.
+/// Owned bytes of one allocation, at most 4 GiB. Pure code.
 class ByteBuffer {
 public:
     ByteBuffer() noexcept = default;
-    ByteBuffer(ByteBuffer&& other) noexcept;
-    ByteBuffer& operator=(ByteBuffer&& other) noexcept;
     ByteBuffer(const ByteBuffer&) = delete;
     ByteBuffer& operator=(const ByteBuffer&) = delete;
     ~ByteBuffer() = default;

@@ -46,9 +46,7 @@ void StripBackslashes(XString& path) {
 
 XString MakeLongPath(const XString& path, size_t limit) {
     const bool isLong = path.Size() >= limit && Compare(path.Text(), L"\\\\", 2) != 0;
-    XString longPath;
-    longPath.Reserve(path.Length() + 4);
-    longPath.Append(isLong ? L"\\\\?\\" : L"");
+    XString longPath(isLong ? L"\\\\?\\" : L"");
     longPath.Append(path);
     return longPath;
 }

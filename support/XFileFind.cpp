@@ -31,11 +31,11 @@ bool FileExists(const XString& path) {
     if (path.IsEmpty()) {
         return false;
     }
-    if (XFileFind(XString(path.Text(), path.Size())).Next()) {
+    if (XFileFind(path.Copy()).Next()) {
         return true;
     }
     // The find calls do not report drive roots and share roots. A drive of unknown type counts as existing.
-    XString folder(path.Text(), path.Size());
+    XString folder = path.Copy();
     EnsureTrailingBackslash(folder);
     return GetDriveTypeW(folder.Text()) != DRIVE_NO_ROOT_DIR;
 }

@@ -6,9 +6,6 @@
 
 namespace {
 
-constexpr size_t kAppendSlack = 25;
-constexpr size_t kDigitSlack = 32;
-
 wchar_t FoldCase(wchar_t unit) noexcept {
     return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit - L'A' + L'a') : unit;
 }
@@ -57,9 +54,17 @@ void XString::Append(const wchar_t* units, size_t size) {
     if (size == 0) {
         return;
     }
-    const Buffer old = Grow(m_length + size, kAppendSlack);
+    const size_t length = m_length + size;
+    Buffer old; // outlives the copy: `units` may lie in it
+    if (m_capacity < length) {
+        const size_t capacity = length + length / 2;
+        Buffer fresh(new wchar_t[capacity]);
+        std::copy_n(Text(), Size(), fresh.get());
+        old = std::exchange(m_buffer, std::move(fresh));
+        m_capacity = capacity;
+    }
     std::copy_n(units, size, m_buffer.get() + Size());
-    Terminate(m_length + size);
+    Terminate(length);
 }
 
 void XString::DropLast(size_t count) noexcept {
@@ -72,10 +77,6 @@ XString XString::Mid(size_t firstPos, size_t lastPos) const {
         return XString();
     }
     return XString(Text() + firstPos - 1, lastPos - firstPos + 1);
-}
-
-void XString::Reserve(size_t needed, size_t slack) {
-    Grow(needed, slack);
 }
 
 size_t XString::Find(wchar_t unit, size_t fromPos) const noexcept {
@@ -108,21 +109,7 @@ XString XString::FromInt64(int64_t value) {
     if (value < 0) {
         *--first = L'-';
     }
-    XString text;
-    text.Reserve(2, kDigitSlack);
-    text.Append(first, static_cast<size_t>(end - first));
-    return text;
-}
-
-/// Returns the buffer that was replaced, so that the caller can still read from it.
-XString::Buffer XString::Grow(size_t needed, size_t slack) {
-    if (m_capacity >= needed) {
-        return nullptr;
-    }
-    Buffer fresh(new wchar_t[needed + slack]);
-    std::copy_n(Text(), m_length, fresh.get());
-    m_capacity = needed + slack;
-    return std::exchange(m_buffer, std::move(fresh));
+    return XString(first, static_cast<size_t>(end - first));
 }
 
 void XString::Terminate(size_t length) noexcept {

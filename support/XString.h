@@ -10,7 +10,7 @@ size_t TextSize(const wchar_t* text) noexcept;
 /// The one text type of the system: an owned, growable, zero-terminated UTF-16 string.
 ///
 /// Positions count from 1. A string that never held text owns no buffer and reads as the empty text.
-/// Strings move and never copy by themselves; `Assign` makes a copy where one is meant.
+/// Strings move and never copy by themselves; `Copy` makes a copy where one is meant.
 /// Running out of memory throws std::bad_alloc and leaves the string as it was.
 /// Pure code: calls no Win32 and none of the C library's wide functions.
 class XString {
@@ -38,21 +38,21 @@ public:
     /// Code units with the terminator: an empty string has length 1.
     size_t Length() const noexcept { return m_length; }
 
-    /// Code units the buffer holds; 0 while there is none.
-    size_t Capacity() const noexcept { return m_capacity; }
-
     bool IsEmpty() const noexcept { return m_length == 1; }
 
     /// The unit at `pos`, which must lie in 1 … Length(); the last one is the terminator.
     wchar_t At(size_t pos) const noexcept { return Text()[pos - 1]; }
 
+    /// A copy of the whole text.
+    XString Copy() const { return XString(Text(), Size()); }
+
     /// Replaces the content. `length` counts the terminator, which is written and not read; 0 means that
-    /// `src` is zero-terminated and is counted. A null or empty `src` empties the string and keeps its
-    /// buffer; a new buffer has no slack.
+    /// `src` is zero-terminated and is counted. A null or empty `src` empties the string. `src` may be part
+    /// of the string's own text.
     void Assign(const wchar_t* src, size_t length = 0);
 
-    /// Adds a zero-terminated text (not null) at the end, with 25 units of slack when it has to grow. `src`
-    /// may be the string's own text. For many pieces `Reserve` first: appending alone is not linear.
+    /// Adds a zero-terminated text (not null) at the end, which may be the string's own text. Many appended
+    /// texts take time in proportion to their sizes.
     void Append(const wchar_t* src) { Append(src, TextSize(src)); }
     void Append(const wchar_t* units, size_t size);
     void Append(const XString& src) { Append(src.Text(), src.Size()); }
@@ -63,10 +63,6 @@ public:
     /// The inclusive range `firstPos` … `lastPos`; `lastPos` is clamped to the end, and a range that is empty
     /// or begins outside the text gives the empty string.
     XString Mid(size_t firstPos, size_t lastPos) const;
-
-    /// Makes room for `needed` units, the terminator included, plus `slack` when a new buffer is taken. Keeps
-    /// the content and never shrinks.
-    void Reserve(size_t needed, size_t slack = 0);
 
     /// Position of the first `unit` at or after `fromPos`, or 0; also 0 when `fromPos` lies outside the text.
     size_t Find(wchar_t unit, size_t fromPos) const noexcept;
@@ -80,12 +76,11 @@ public:
 private:
     using Buffer = std::unique_ptr<wchar_t[]>;
 
-    Buffer Grow(size_t needed, size_t slack);
     void Terminate(size_t length) noexcept;
 
     Buffer m_buffer;
     size_t m_length = 1;
-    size_t m_capacity = 0;
+    size_t m_capacity = 0; // code units that the buffer holds
 };
 
 /// Compares two zero-terminated texts unit by unit: -1, 0 or +1. `b` may be null, which gives +1; `a` may

@@ -9,8 +9,8 @@ namespace {
 // All options as one text: name[value] in order.
 std::wstring Parsed(const wchar_t* text) {
     OptionLists lists;
-    lists.names.Add(L"stale");
-    lists.values.Add(L"stale");
+    lists.names.Add(XString(L"stale"));
+    lists.values.Add(XString(L"stale"));
     ParseOptions(lists, XString(text));
     EXPECT_EQ(lists.names.Count(), lists.values.Count());
     std::wstring all;

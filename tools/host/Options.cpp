@@ -75,7 +75,7 @@ XStringList CommandLineArguments() {
     const OwnedArguments arguments(CommandLineToArgvW(GetCommandLineW(), &count));
     XStringList list;
     for (int i = 1; arguments.IsValid() && i < count; ++i) {
-        list.Add(arguments.Get()[i]);
+        list.Add(XString(arguments.Get()[i]));
     }
     return list;
 }

@@ -47,8 +47,8 @@ TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
     const bool hasCreation = !RunsUnderWine();
     std::map<std::string, std::string> run = {
         {"FOLDER", PlainUtf8(Escaped(folder))},
-        {"SOURCE CREATED", hasCreation ? "2024-03-07T12:05:09" : "2024-03-07T13:05:09"},
-        {"CONVERTED CREATED", hasCreation ? "1999-12-31T22:59:59" : "1999-12-31T23:59:59"},
+        {"SOURCE CREATED", hasCreation ? "2024-03-07T12:05:08" : "2024-03-07T13:05:08"},
+        {"CONVERTED CREATED", hasCreation ? "1999-12-31T22:59:58" : "1999-12-31T23:59:58"},
         {"TAG BYTES", std::to_string(library.idTags.size())}};
     decoders.WriteCallsTo(plugin.TraceHandle());
     const std::wstring trace = Convert();
@@ -211,8 +211,8 @@ TEST_F(ConversionTest, FilesThatCannotBeOpenedHaveTheZeroTime) {
         const char* time;
     } rows[] = {
         {"kept from all others", GENERIC_READ, 0, "1601-01-01T00:00:00"},
-        {"being written", GENERIC_WRITE, kReadWrite, "1999-12-31T23:59:59"},
-        {"being played", GENERIC_READ, FILE_SHARE_READ, "1999-12-31T23:59:59"},
+        {"being written", GENERIC_WRITE, kReadWrite, "1999-12-31T23:59:58"},
+        {"being played", GENERIC_READ, FILE_SHARE_READ, "1999-12-31T23:59:58"},
     };
     for (const auto& row : rows) {
         const OwnedFile open(

@@ -473,8 +473,8 @@ TEST_F(FailingCalls, InAPanelRound) {
         {kMemory,
          0,
          0,
-         {"not created", notShown, "not shown, nothing, nothing", "shown, nothing, nothing",
-          "shown, read, nothing"}},
+         {"not created", notShown, "not shown, -xsltfile=\"\" -ext=\"\", nothing",
+          "not shown, nothing, nothing", "shown, nothing, nothing", "shown, read, nothing"}},
     };
     // Looks at most: place, font, icon, accessible name, tooltip.
     for (const char* name : {"BeginPaint",      "CreateFontIndirectW", "CreateMutexW",

@@ -39,9 +39,12 @@ bool Convert(const PluginInstance& instance, const Options& options) {
     }
     PrintLine(Concat(GetFileName(options.converted), L": ", document.Path(), L", ", XString::FromInt64(size),
                      L" bytes"));
-    if (size == 0) {
-        PrintError(document.LacksStyleSheet() ? Concat(L"There is no style sheet ", document.StyleSheet())
-                                              : XString(L"The document is empty"));
+    if (document.LacksStyleSheet()) {
+        PrintError(Concat(L"There is no style sheet ", document.StyleSheet()));
+        return false;
+    }
+    if (size == 0 && document.StyleSheet().IsEmpty()) { // a style sheet may have nothing to write
+        PrintError(XString(L"The document is empty"));
         return false;
     }
     return hasFacts && done;

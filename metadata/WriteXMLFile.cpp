@@ -92,15 +92,25 @@ void Gather(Facts& facts, const MetadataContext& context, const AfterConversionI
 /// Replaces the file by the document in UTF-8. A file that cannot be opened or written is not reported.
 void WriteDocumentFile(XFile& file, const XString& path, const Facts& facts) {
     // All memory is taken before the file is opened: running out of it must not cost an existing file.
-    constexpr size_t kMostBytes = XmlWriter::kChunkSize * kMostUtf8Bytes;
-    const std::unique_ptr<char[]> bytes(new char[kMostBytes]);
+    constexpr size_t kMostHeld = 262'144; // few writes, and within a processor's second cache
+    static_assert(XmlWriter::kChunkSize * kMostUtf8Bytes <= kMostHeld);
+    const std::unique_ptr<char[]> bytes(new char[kMostHeld]);
+    size_t held = 0;
     bool isWritten = true;
+    const auto write = [&] {
+        // Nothing follows bytes that could not be written, so that the file holds the document's beginning.
+        isWritten = isWritten && file.Write(bytes.get(), held);
+        held = 0;
+    };
     XmlWriter out("\r\n", [&](std::wstring_view chunk) {
-        // Nothing follows a chunk that could not be written, so that the file holds the document's beginning.
-        isWritten = isWritten && file.Write(bytes.get(), EncodeUtf8(chunk, {bytes.get(), kMostBytes}));
+        if (kMostHeld - held < chunk.size() * kMostUtf8Bytes) {
+            write();
+        }
+        held += EncodeUtf8(chunk, {bytes.get() + held, kMostHeld - held});
     });
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
         WriteDocument(out, facts.source, facts.converted);
+        write();
         file.Close();
     }
 }

@@ -279,7 +279,7 @@ TEST_F(FailingCalls, InAConversion) {
 }
 
 TEST_F(FailingCalls, WhenTheDiskIsFullTheDocumentsBeginningStays) {
-    tags = TagBlob().Add(L"LYRICS", std::wstring(50000, L'x')).Bytes(); // a document of several chunks
+    tags = TagBlob().Add(L"LYRICS", std::wstring(600000, L'x')).Bytes(); // a document of several writes
     const Round round = [this] { return Convert(); };
     round();
     const std::string wanted = ReadBytes(document);
@@ -291,7 +291,7 @@ TEST_F(FailingCalls, WhenTheDiskIsFullTheDocumentsBeginningStays) {
         ASSERT_TRUE(wanted.starts_with(bytes)) << "after call " << call << ", which fails";
         sizes.insert(bytes.size());
     }
-    EXPECT_GT(sizes.size(), 3u) << "nothing, one chunk, two chunks, all";
+    EXPECT_GT(sizes.size(), 3u) << "nothing, one write, two writes, all";
 }
 
 TEST_F(FailingCalls, KeepTheTraceBalanced) {

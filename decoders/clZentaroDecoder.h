@@ -20,18 +20,18 @@ public:
     /// Destroys the instance and frees the library.
     void Unload() noexcept;
 
-    /// Makes the library's decoder, in place of the one held before. `context` is handed through to it. False
-    /// when no library is bound or the library answers null.
+    /// Makes an instance of the library's decoder, in place of the one held before. The library gets
+    /// `context`. False when no library is bound or the library returns null.
     bool CreateInstance(void* context) noexcept;
 
-    /// The library's own Destroy alone ends an instance, also one that has opened a file.
+    /// Calls the library's Destroy, which also closes a file that the instance has opened.
     void DestroyInstance() noexcept;
 
     /// Whether the library lists the extension (with its dot) under "Decodes", ASCII letters in any case.
     /// Needs an instance.
     bool Decodes(const wchar_t* extension) const noexcept;
 
-    /// Opens a file as the record asks; false when the library says so or there is no instance.
+    /// Opens a file as the record asks; false when the library fails or there is no instance.
     bool Open(DecoderOpenRecord& record) const noexcept;
 
     /// Path of the bound library; empty when there is none.

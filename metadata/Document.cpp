@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view kFact = "\t\t<";
 constexpr std::string_view kFormatFact = "\t\t\t<";
 
-/// The two property lists differ on purpose in what they do with a name that leaves no element name.
+/// The two property lists differ on purpose in what they do with a name whose element name is empty.
 enum class NamelessProperty { LeaveOut, Write };
 
 void BeginElement(XmlWriter& out, std::string_view open, std::string_view element) {

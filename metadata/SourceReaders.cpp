@@ -47,8 +47,8 @@ XString WithFileName(const wchar_t* message, const XString& fileName) {
     return text;
 }
 
-/// The three readers' one procedure. `copyResults` takes what it wants from the record while the library's
-/// instance, which owns the memory, still lives.
+/// What the three readers have in common. `copyResults` copies what it needs from the record while the
+/// library's instance, which owns the memory, still exists.
 template<class CopyResults>
 int32_t ReadFromDecoder(const MetadataContext& context, const XString& fileName, const ReaderTexts& texts,
                         OpenFlags flag, CopyResults copyResults) {

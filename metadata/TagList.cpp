@@ -16,7 +16,7 @@ bool TakeInt32(std::span<const uint8_t>& bytes, int32_t& value) noexcept {
     return true;
 }
 
-/// The code units up to a zero, which is passed over, or up to the end. An odd last byte stays.
+/// The code units up to a zero, which is skipped, or up to the end. An odd last byte stays.
 Utf16View TakeText(std::span<const uint8_t>& bytes) noexcept {
     const Utf16View units(bytes.data(), bytes.size() / sizeof(wchar_t));
     const size_t size = units.Find(0);

@@ -90,7 +90,7 @@ bool TransformDocument(const CreateRecord& log, const wchar_t* scope, const Bstr
                        const XString& styleSheetPath, ByteBuffer& out) {
     const ComInitScope com; // outlives the objects, which are those of the try block
     const wchar_t* const anyStep = L"Unexpected MS XML error: ";
-    const wchar_t* step = anyStep; // what the report of a failure begins with
+    const wchar_t* step = anyStep; // the beginning of the error line
     try {
         const auto xml = Create<IXMLDOMDocument>(kDomDocument);
         const auto styleSheet = Create<IXMLDOMDocument>(kFreeThreadedDomDocument);
@@ -113,7 +113,7 @@ bool TransformDocument(const CreateRecord& log, const wchar_t* scope, const Bstr
         Log(L"XSL file loaded successfully", log, scope);
 
         step = L"Error applying XSL style sheet: ";
-        // A style sheet that the template refuses shows in createProcessor.
+        // The result is ignored: createProcessor fails when the template refused the style sheet.
         static_cast<void>(sheetTemplate->putref_stylesheet(styleSheet.Get()));
         ComPtr<IXSLProcessor> processor;
         Check(sheetTemplate->createProcessor(processor.Receive()), sheetTemplate);
@@ -121,7 +121,7 @@ bool TransformDocument(const CreateRecord& log, const wchar_t* scope, const Bstr
         step = anyStep;
         ComPtr<IStream> stream;
         static_cast<void>(CreateStreamOnHGlobal(nullptr, TRUE, stream.Receive()));
-        // What the processor makes of its output and input shows in `transform`.
+        // The results are ignored: `transform` fails when the output or the input was refused.
         static_cast<void>(processor->put_output(Variant(stream.Get()).Get()));
         static_cast<void>(processor->put_input(Variant(xml.Get()).Get()));
         VARIANT_BOOL done = VARIANT_FALSE;

@@ -59,7 +59,7 @@ TagList ListIn(const ByteBuffer& list) noexcept {
     return ParseTagBlob(list.Data(), static_cast<int32_t>(list.Size()));
 }
 
-/// Reads what the host does not supply, and takes what it does from its record.
+/// Takes the facts that the host supplies from its record, and reads the others.
 void Gather(Facts& facts, const MetadataContext& context, const AfterConversionInfo& info,
             const XString& sourceFile, const XString& convertedFile) {
     FileFacts& source = facts.source;

@@ -9,7 +9,7 @@
 namespace {
 
 /// Runs the work of one export on a non-null instance. No exception reaches the host: when memory runs out
-/// the work is not done, the host gets 0, and an error line says so.
+/// the work is abandoned, the host gets 0, and an error line reports it.
 template<class Work>
 auto Guarded(clDSP_WriteMetadataFile* instance, Work work) noexcept -> decltype(work(*instance)) {
     if (instance == nullptr) {

@@ -30,8 +30,8 @@ int32_t DSP_Destroy(clDSP_WriteMetadataFile* instance);
 
 /// Makes the settings panel as a child of the host's window at (x, y) of its client area, in place of one
 /// that is still open, filled from the settings text. A coordinate of -12345 stays as the dialog manager set
-/// it. The panel's window, or 0 when it could not be made. The host's message loop serves it
-/// (IsDialogMessage).
+/// it. Returns the panel's window, or 0 when it could not be made. The host's message loop must call
+/// IsDialogMessage for it.
 HWND DSP_ShowConfigBit(clDSP_WriteMetadataFile* instance, HWND parent, int32_t x, int32_t y,
                        const wchar_t* settings);
 
@@ -39,23 +39,23 @@ HWND DSP_ShowConfigBit(clDSP_WriteMetadataFile* instance, HWND parent, int32_t x
 /// is -123. The text stays the instance's, valid until the next call or DSP_Destroy.
 const wchar_t* DSP_RemoveConfigBit(clDSP_WriteMetadataFile* instance, int64_t mode);
 
-/// Reads the settings for the conversion that begins. 1.
+/// Reads the settings for the conversion that begins. Returns 1.
 int32_t DSP_BeginConversion(clDSP_WriteMetadataFile* instance, void* ignored1, const wchar_t* settings,
                             void* ignored2);
 
-/// 1.
+/// Always 1; only traces.
 int32_t DSP_EndConversion(clDSP_WriteMetadataFile* instance);
 
-/// Writes the metadata document. 1.
+/// Writes the metadata document. Returns 1, also when it could not be written.
 int32_t DSP_AfterConversion(clDSP_WriteMetadataFile* instance, const AfterConversionInfo* info);
 
-/// 1: the audio passes untouched, whatever further arguments the host passes. Exported as DSP_PassNonLive,
-/// too.
+/// Always 1: the audio is not changed. Further arguments that the host passes are ignored. Exported as
+/// DSP_PassNonLive, too.
 int32_t DSP_PassAudioBlock(clDSP_WriteMetadataFile* instance);
 
 /// 1 for the key "IsLive", else 0.
 int32_t DSP_Get(clDSP_WriteMetadataFile* instance, const wchar_t* key);
 
-/// 0: nothing can be set.
+/// Always 0: nothing can be set. Only traces.
 int32_t DSP_Set(clDSP_WriteMetadataFile* instance, const wchar_t* key);
 }

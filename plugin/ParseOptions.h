@@ -11,7 +11,7 @@ struct OptionLists {
 };
 
 /// Splits a settings text such as `-xsltfile="C:\a b.xsl" -ext=.txt`, replacing what the lists held. One or
-/// two hyphens begin a name; spaces and equals signs in any number part it from its value; a value in double
+/// two hyphens begin a name; spaces and equals signs in any number stand before its value; a value in double
 /// quotes may hold anything but a quote, and one without ends at the first space. Nothing is an error: an
 /// option without a name is skipped, one without a value has an empty one, and after a quote that is never
 /// closed parsing goes on just behind it. Pure code.

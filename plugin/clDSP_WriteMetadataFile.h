@@ -19,7 +19,7 @@ public:
     HWND ShowConfigBit(HWND parent, int32_t x, int32_t y, const wchar_t* settings);
 
     /// The settings text of what the panel holds, valid until the next call. Destroys the panel unless `mode`
-    /// is kQueryMode, which leaves no trace either.
+    /// is kQueryMode, which also writes no trace line.
     const wchar_t* RemoveConfigBit(int64_t mode);
 
     /// Takes style sheet, extension and output name from the settings text. Style sheet and extension keep

@@ -20,7 +20,7 @@ HMODULE ResourceModule() noexcept {
     return moduleHandle != nullptr ? moduleHandle : GetModuleHandleW(nullptr);
 }
 
-/// Puts the process's current folder back at the end of the scope.
+/// Restores the process's current folder at the end of the scope.
 class CurrentFolderScope {
 public:
     CurrentFolderScope() : m_folder(GetCurrentDirectoryW(0, nullptr) + size_t{1}) {
@@ -34,7 +34,7 @@ private:
     std::vector<wchar_t> m_folder;
 };
 
-/// Shows a path with its end in view, where the file's name stands.
+/// Puts a path into a field and scrolls to its end, so that the file's name is visible.
 bool SetPath(HWND panel, const wchar_t* path) noexcept {
     const bool isSet = SetDlgItemTextW(panel, IDC_XSLT_FILE, path) != 0;
     const HWND field = GetDlgItem(panel, IDC_XSLT_FILE);

@@ -10,19 +10,19 @@
 #include <new>
 #include <utility>
 
-// Owners for what COM hands out, and an exception for its failures.
+// Owners for what COM calls return, and an exception for their failures.
 
 /// A failed COM call, with the description from the object's error information; empty when there is none.
 struct ComError {
     XString description;
 };
 
-/// COM on this thread for the life of the scope (CoInitialize). It is left again even when entering it
-/// failed, as it does on a thread that already belongs to another kind of apartment.
+/// COM on this thread for the life of the scope (CoInitialize). CoUninitialize is called even when
+/// CoInitialize failed, as it does on a thread that already belongs to another kind of apartment.
 class ComInitScope {
 public:
     ComInitScope() noexcept {
-        // The outcome makes no difference to what follows.
+        // The result is ignored: CoUninitialize follows in any case.
         static_cast<void>(CoInitialize(nullptr));
     }
     ~ComInitScope() { CoUninitialize(); }
@@ -49,7 +49,7 @@ public:
     /// The object, still owned here, or null.
     Interface* Get() const noexcept { return m_object; }
 
-    /// Where a call stores the reference that it gives; only for a pointer that holds none.
+    /// The address for a call that returns a reference; only for a pointer that holds none.
     Interface** Receive() noexcept { return &m_object; }
 
     /// Throws ComError, without a description, when there is no object.
@@ -89,7 +89,7 @@ public:
 
     BSTR Get() const noexcept { return m_text; }
 
-    /// Where a call stores the string that it gives; only for one that holds none.
+    /// The address for a call that returns a string; only for an owner that holds none.
     BSTR* Receive() noexcept { return &m_text; }
 
     /// Zero-terminated, never null.

@@ -21,7 +21,7 @@ bool BeginsWith(const wchar_t* message, const wchar_t* marker) noexcept {
     return Compare(message, marker, kMarkerSize) == 0;
 }
 
-/// A line takes memory only when it is long, so that even running out of memory can be told.
+/// Only a long line needs memory, so that running out of memory can still be reported.
 void WriteLine(HANDLE file, size_t spaces, const wchar_t* prefix, const wchar_t* message,
                const wchar_t* scope) noexcept {
     if (file == nullptr || file == INVALID_HANDLE_VALUE) {

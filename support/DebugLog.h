@@ -18,8 +18,8 @@ static_assert(offsetof(CreateRecord, errorFile) == 0);
 static_assert(offsetof(CreateRecord, reserved) == 8);
 static_assert(offsetof(CreateRecord, debugFile) == 16);
 
-/// Messages that move the indentation shared by all instances of the process. A line that begins with kLeave
-/// is written one level further out, a line after one that begins with kEnter one level further in.
+/// Beginnings of messages that change the indentation, which all instances of the process share: kEnter
+/// indents the lines after it one level more, kLeave indents its own line and those after it one level less.
 inline constexpr const wchar_t* kEnter = L"->->";
 inline constexpr const wchar_t* kLeave = L"<-<-";
 

@@ -1,6 +1,6 @@
-// Linked into every library of ours that GCC builds: the runtime that it links statically takes some 70 KB
-// for exceptions that are thrown when memory is out, and keeps them when the library is unloaded. Hosts load
-// and unload their libraries as they please, a decoder library even for every fact that is read.
+// Linked into each of our libraries when GCC builds it: GCC's static runtime allocates some 70 KB for
+// exceptions that are thrown when memory is out, and does not free them when the library is unloaded. Hosts
+// load and unload their libraries often, a decoder library for every fact that is read.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 namespace __gnu_cxx {
 void __freeres(); // part of the runtime, declared in none of its headers

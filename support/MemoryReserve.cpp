@@ -35,7 +35,7 @@ const Reserve whileLoaded;
 
 void RefillMemoryReserve() noexcept {
     if (reserve.load() == nullptr) {
-        // What another thread has filled in meanwhile is freed.
+        // Another thread may have allocated it meanwhile; that block is freed.
         std::free(reserve.exchange(std::malloc(kSize)));
     }
 }

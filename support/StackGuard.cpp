@@ -1,4 +1,4 @@
-// Linked into every library of ours that GCC builds, in place of the same functions of the runtime (libssp).
+// Linked into each of our libraries when GCC builds it, in place of the runtime's own functions (libssp).
 // Those seed the guard while the library is loaded by opening a cryptographic provider, which loads and
 // unloads another library: the rules for DllMain forbid that.
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
-/// A run of UTF-16 code units that belongs to someone else: not terminated, and at any address, odd ones
-/// included. Pure code.
+/// UTF-16 code units that the view does not own: not terminated, and at any address, odd ones included.
+/// Pure code.
 class Utf16View {
 public:
     Utf16View() noexcept = default;
@@ -26,13 +26,15 @@ public:
         return unit;
     }
 
-    /// The first `size` units, and what follows the first `size` units; so many must be there.
+    /// The first `size` units; `size` must not exceed Size().
     Utf16View First(size_t size) const noexcept { return Utf16View(m_bytes, size); }
+
+    /// The units after the first `size`; `size` must not exceed Size().
     Utf16View After(size_t size) const noexcept {
         return Utf16View(m_bytes + size * sizeof(wchar_t), m_size - size);
     }
 
-    /// Eight of the units from `index` on; so many must be there.
+    /// The eight units from `index` on, all of which must lie in the view.
     UnitBlock BlockAt(size_t index) const noexcept { return UnitBlock(m_bytes + index * sizeof(wchar_t)); }
 
     /// Index of the first `unit`, or Size() when there is none.

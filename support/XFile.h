@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-/// One file, opened for writing or for its times. Failures are silent: they show in the results alone.
+/// One file, opened for writing or for its times. Failures are not logged: they show in the results alone.
 class XFile {
 public:
     /// Opens `fileName` (CreateFileW, shared for reading and writing), closing what was open before. Paths of
@@ -15,8 +15,8 @@ public:
 
     bool IsOpen() const noexcept { return m_file.IsValid(); }
 
-    /// Writes all of the bytes at the current position; false when fewer were written or nothing is open. A
-    /// null pointer is good for no bytes at all.
+    /// Writes all of the bytes at the current position; false when fewer were written or nothing is open.
+    /// `data` may be null only when `count` is 0.
     bool Write(const void* data, size_t count) noexcept;
 
     void Close() noexcept { m_file.Reset(); }

@@ -3,15 +3,15 @@
 #include "support/Owner.h"
 #include "support/XString.h"
 
-/// One pass over the entries of a folder that match a pattern, files and folders alike, in the order in which
-/// the system returns them (FindFirstFileW, FindNextFileW). Sub-folders are not entered; "." and ".." are
-/// passed over.
+/// Lists the entries of a folder that match a pattern, files and folders alike, in the order in which the
+/// system returns them (FindFirstFileW, FindNextFileW). Sub-folders are not entered; "." and ".." are
+/// skipped.
 class XFileFind {
 public:
     /// `pattern` is a folder plus a name that may hold wildcards; backslashes at its end are dropped.
     explicit XFileFind(XString&& pattern);
 
-    /// Moves to the next entry; false when there is none, and from then on.
+    /// Moves to the next entry; false when there is none, and on every later call.
     bool Next();
 
     /// Full path of the current entry: the folder of the pattern and the entry's name.

@@ -8,7 +8,7 @@ public:
     XMutex() noexcept : m_handle(CreateMutexW(nullptr, FALSE, nullptr)) {}
 
     /// Holds the mutex for a scope, waiting for it without a time limit. A mutex that could not be created is
-    /// passed over: the work goes on without the lock.
+    /// ignored: the work goes on without the lock.
     class Lock {
     public:
         explicit Lock(const XMutex& mutex) noexcept : m_handle(mutex.m_handle.Get()) {

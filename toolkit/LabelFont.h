@@ -7,8 +7,8 @@
 /// A font from CreateFontIndirectW.
 using OwnedFont = Owner<HFONT, DeleteObject>;
 
-/// Sees to it that no label of a dialog is cut off where the system's dialog font runs wider than the layout
+/// Prevents labels of a dialog from being cut off where the system's dialog font is wider than the layout
 /// allows for: all its static texts then get that font at the largest smaller size at which every one fits.
 /// Returns the new font, which the labels use until they are destroyed, or none when all fit as they are or
-/// no legible size would do.
+/// none fits at a legible size.
 OwnedFont FitLabels(HWND dialog) noexcept;

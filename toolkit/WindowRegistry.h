@@ -4,14 +4,14 @@
 
 class XWindow;
 
-// Which object stands behind a window handle: one list for the whole process, usable from any thread and
-// guarded by a mutex of its own. Handles and objects are only borrowed.
+// Which object belongs to a window handle: one list for the whole process, usable from any thread and
+// guarded by a mutex of its own. It owns neither handles nor objects.
 
-/// Enters the object at the end of the list, under this handle alone. Throws std::bad_alloc.
+/// Adds the object at the end of the list, under this handle alone. Throws std::bad_alloc.
 void RegisterWindow(XWindow& object, HWND hwnd);
 
-/// The object entered under the handle, or null.
+/// The object listed under the handle, or null.
 XWindow* FindWindowObject(HWND hwnd) noexcept;
 
-/// Takes the object out of the list; nothing happens when it is not in it.
+/// Removes the object from the list; nothing happens when it is not in it.
 void UnregisterWindow(const XWindow& object) noexcept;

@@ -6,9 +6,9 @@
 
 struct IAccPropServices;
 
-/// The name that screen readers speak for a control that has no label before it. It is the system that keeps
-/// the name (IAccPropServices), until it is taken back; the control itself stays as it is. COM is entered on
-/// the calling thread (CoInitialize) with `Set` and left with `Clear`.
+/// The name that screen readers speak for a control that has no label before it. The system keeps the name
+/// (IAccPropServices) until it is removed; the control itself is not changed. `Set` enters COM on the calling
+/// thread (CoInitialize), `Clear` leaves it.
 class XAccessibleName {
 public:
     XAccessibleName() noexcept;
@@ -19,8 +19,8 @@ public:
     /// Names a control in place of the one before; nothing happens where the system has no such service.
     void Set(HWND control, const wchar_t* name) noexcept;
 
-    /// Takes the name back. Due on the same thread before the control is destroyed; the destructor, which may
-    /// run on any thread, does not do it.
+    /// Removes the name. To be called on the thread of `Set` before the control is destroyed; the destructor,
+    /// which may run on any thread, does not do it.
     void Clear() noexcept;
 
 private:

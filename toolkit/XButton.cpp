@@ -2,8 +2,8 @@
 
 #include <windowsx.h>
 
-/// A click is the message that releases a button that is pushed in; a mouse button released elsewhere is
-/// none. Messages that stand for a click (BM_CLICK, access keys) reach the control as mouse messages, too.
+/// A click is the message that releases the pushed button; the mouse released outside it is no click.
+/// BM_CLICK and access keys reach the control as mouse messages, too.
 LRESULT XButton::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     const auto isClick = [&] {
         if ((SendMessageW(Hwnd(), BM_GETSTATE, 0, 0) & BST_PUSHED) == 0) {

@@ -2,7 +2,7 @@
 
 #include "toolkit/XSubClassCtrl.h"
 
-/// A push button that knows its own click, whoever its parent is.
+/// A push button that handles its clicks itself, whatever window is its parent.
 class XButton : public XSubClassCtrl {
 protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;

@@ -10,8 +10,8 @@ using OwnedIcon = Owner<HICON, DestroyIcon>;
 /// An icon of a module's resources at one size.
 class XIcon {
 public:
-    /// Loads icon group `id`, scaled to `size` by `size` pixels, unless an icon is loaded already. Without
-    /// such a resource there is none.
+    /// Loads icon group `id`, scaled to `size` by `size` pixels, unless an icon is loaded already. Nothing is
+    /// loaded when there is no such resource.
     void Load(HMODULE module, int id, int size) noexcept;
 
     /// Draws the icon with this top left corner, on the dialog face colour; nothing without an icon.

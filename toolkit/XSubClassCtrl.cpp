@@ -28,7 +28,7 @@ LRESULT CALLBACK XSubClassCtrl::SharedProc(HWND hwnd, UINT message, WPARAM wPara
         control->Attach(nullptr);
         return DefSubclassProc(hwnd, message, wParam, lParam);
     }
-    // No exception may pass through the system's frames: when memory runs out, the message is done with.
+    // No exception may pass through the system's frames: when memory runs out, the message counts as handled.
     try {
         return control->WindowProc(message, wParam, lParam);
     } catch (const std::bad_alloc&) {

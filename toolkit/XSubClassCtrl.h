@@ -3,8 +3,8 @@
 #include <windows.h>
 
 /// A control whose messages pass through an object before its own window procedure (SetWindowSubclass). The
-/// control stays its dialog's; it is left as it was when the object ends, and let go when it is destroyed.
-/// For the thread that owns the control alone.
+/// dialog owns the control. The object detaches when it ends, which leaves the control as it was, and when
+/// the control is destroyed. To be used only on the thread that owns the control.
 class XSubClassCtrl {
 public:
     XSubClassCtrl() noexcept = default;
@@ -19,7 +19,7 @@ public:
     HWND Hwnd() const noexcept { return m_hwnd; }
 
 protected:
-    /// Every message of the control; this one leaves it to the control's own procedure.
+    /// Gets every message of the control; this one calls the control's own procedure.
     virtual LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
 
 private:

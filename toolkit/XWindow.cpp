@@ -59,7 +59,7 @@ INT_PTR CALLBACK XWindow::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPA
     // No exception may pass through the system's frames: when memory runs out, the message is not handled.
     try {
         XWindow* window = Find(hwnd);
-        if (window == nullptr && message == WM_INITDIALOG) { // from the dialog manager, not from a stranger
+        if (window == nullptr && message == WM_INITDIALOG) { // sent by the dialog manager: lParam is ours
             window = reinterpret_cast<XWindow*>(lParam);
             window->Register(hwnd, true);
         }

@@ -13,12 +13,12 @@ inline constexpr int kKeepCoordinate = -12345;
 /// A window as an object: its messages arrive as calls of the virtual operations below.
 ///
 /// The object exists before its window and may outlive it. It is attached to the window by `Register`, which
-/// the dialog procedure calls by itself, and lets go of it with the window's last message (WM_NCDESTROY),
-/// whoever destroys the window. All of it runs on the thread that owns the window; only the timer list and
-/// the process-wide registry are guarded for others.
+/// the dialog procedure calls by itself, and detached with the window's last message (WM_NCDESTROY), whoever
+/// destroys the window. All of it runs on the thread that owns the window; only the timer list and the
+/// process-wide registry are guarded against other threads.
 ///
 /// A class that overrides operations calls Destroy() in its destructor: there OnDestroy still reaches it. The
-/// destructor of XWindow takes a window that is still left out of the registry before destroying it, so that
+/// destructor of XWindow removes a window that still exists from the registry before destroying it, so that
 /// no message reaches a half-destroyed object.
 class XWindow {
 public:
@@ -49,7 +49,7 @@ public:
     void MoveTo(int x, int y) noexcept;
 
     /// Sets a timer (SetTimer) whose ticks come to OnTimer with `userWord`; an id that is in use is replaced.
-    /// A timer that cannot be set is passed over. Throws std::bad_alloc.
+    /// A timer that cannot be set is ignored. Throws std::bad_alloc.
     void StartTimer(UINT_PTR id, UINT milliseconds, uint64_t userWord);
 
     /// Ends a timer set with StartTimer; nothing happens when there is none of that id.
@@ -60,7 +60,7 @@ public:
     void Destroy() noexcept;
 
 protected:
-    // The operations. A bool says whether the message was handled; unless told otherwise the result of a
+    // The operations. A bool says whether the message was handled; unless stated otherwise the result of a
     // handled message is 0. None of them does anything here.
 
     /// WM_ACTIVATE that activates; `state` is WA_ACTIVE or WA_CLICKACTIVE.
@@ -82,7 +82,7 @@ protected:
     virtual bool OnKeyDown(UINT /*key*/) { return false; }
     virtual bool OnKeyUp(UINT /*key*/) { return false; }
     virtual bool OnChar(wchar_t /*character*/) { return false; }
-    /// Any of the three buttons: `message` tells which. Client coordinates, `keys` as in MK_SHIFT.
+    /// Any of the three buttons: `message` says which. Client coordinates, `keys` as in MK_SHIFT.
     virtual bool OnMouseDown(int /*x*/, int /*y*/, UINT /*message*/, UINT /*keys*/) { return false; }
     virtual bool OnMouseDoubleClick(int /*x*/, int /*y*/, UINT /*message*/, UINT /*keys*/) { return false; }
     virtual bool OnMouseUp(int /*x*/, int /*y*/, UINT /*message*/, UINT /*keys*/) { return false; }

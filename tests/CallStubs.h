@@ -10,8 +10,8 @@
 // Calls that fail on demand, without a hook in the code that makes them: a stub of machine code takes the
 // place of a function pointer, in the import table of a library or in the method table of a COM object.
 
-/// One function pointer's stub: counts the calls and passes them on to `target`, all but one, which is
-/// answered with `failure`. The machine code knows the fields by their offsets.
+/// One function pointer's stub: counts the calls and passes them on to `target`, all but one, which returns
+/// `failure`. The machine code knows the fields by their offsets.
 struct CallStub {
     uint64_t calls = 0;                // at 0
     uint64_t failing = UINT64_MAX;     // at 8: the number of the call, counting from 0
@@ -30,7 +30,7 @@ struct CallStub {
     }
 };
 
-/// The stubs of one test program; what they replaced stays replaced.
+/// The stubs of one test program. The function pointers stay replaced until the program ends.
 class CallStubs {
 public:
     /// Puts stubs in the place of every function that a loaded library imports by name.

@@ -43,7 +43,7 @@ TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
     if (!HasOurCalendar()) {
         GTEST_SKIP() << "the user's locale has another calendar";
     }
-    // Wine keeps no time of creation and tells that of the last change.
+    // Wine keeps no time of creation and reports that of the last change.
     const bool hasCreation = !RunsUnderWine();
     std::map<std::string, std::string> run = {
         {"FOLDER", PlainUtf8(Escaped(folder))},
@@ -98,7 +98,7 @@ TEST_F(ConversionTest, ReaderFailuresLeaveTheRestOfTheDocument) {
         std::function<void()> arrange;
         std::wstring errors;
         bool readsInfo, readsTags;
-        size_t earlyEnds = 0; // which leave the trace deeper for good
+        size_t earlyEnds = 0; // each leaves the trace one level deeper
         const char* traced = "";
     } rows[] = {
         {"no list at all", [this] { library.listsAreNull = true, library.idTags = {}; }, L"", true, false, 0,
@@ -156,7 +156,7 @@ TEST_F(ConversionTest, SettingsDecideTheOutputPath) {
         {L"", L"out.c.xml"},
         {L"-ext=\"\"", L"out.c.xml"},
         {L"-ext=txt", L"out.ctxt"},
-        {L"", L"out.ctxt"}, // the extension of before stays
+        {L"", L"out.ctxt"}, // the earlier extension stays
         {L"-ext=\".nfo\" -ext=.second", L"out.c.nfo"},
         {L"-filename=\"" + folder + L"named file.html\"", L"named file.html"},
         {L"", L"out.c.nfo"}, // the name does not
@@ -253,7 +253,7 @@ TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
     Convert(); // makes the key
     const std::wstring below = std::wstring(Decoders::kCacheKey) + L"\\below";
     EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, below.c_str(), nullptr, REG_SZ, L"", 2), ERROR_SUCCESS)
-        << "a key that goes at the end of the session takes none that stays";
+        << "a volatile key can have only volatile keys below it";
     RegDeleteKeyW(HKEY_CURRENT_USER, below.c_str());
     for (const auto& row : rows) {
         Decoders::Store(L".OUT", row.stored, row.type, row.bytesLess);

@@ -13,13 +13,13 @@ struct LogFile {
     CreateRecord record = {file.Get(), nullptr, file.Get()}; // both in one file, which shows their order
 };
 
-TEST(DebugLog, IndentsTheTraceAndTellsErrorsAfterIt) {
+TEST(DebugLog, IndentsTheTraceAndWritesErrorsAfterIt) {
     const LogFile log;
     const CreateRecord silent = {INVALID_HANDLE_VALUE, nullptr, nullptr};
     const CreateRecord alsoSilent = {nullptr, nullptr, INVALID_HANDLE_VALUE};
     Log(kLeave, log.record, nullptr); // nothing to leave
     Log(kEnter, log.record, L"A");
-    Log(L"->->more", silent, nullptr); // counts unseen; a message that begins like a marker works as one
+    Log(L"->->more", silent, nullptr); // counts though not written; the marker may be a message's beginning
     Log(L"text", log.record, L"B");
     LogError(L"wrong", log.record, L"B");
     LogError(L"", log.record, nullptr);
@@ -39,7 +39,7 @@ TEST(DebugLog, IndentsTheTraceAndTellsErrorsAfterIt) {
                                    L"<-<-  [A]\r\n");
 }
 
-TEST(DebugLog, ThreadsShareOneDepthAndNeverMixLines) {
+TEST(DebugLog, ThreadsShareTheIndentationAndNeverMixLines) {
     const LogFile log;
     std::vector<std::thread> threads(4);
     for (std::thread& thread : threads) {

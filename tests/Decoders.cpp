@@ -6,6 +6,6 @@ FixtureBehaviour* FixtureBehaviourOf(const wchar_t* libraryName) {
 
 void FixtureCalled(const wchar_t* libraryName, const wchar_t* call) {
     if (Decoders::current != nullptr) {
-        Decoders::current->Told(libraryName, call);
+        Decoders::current->Record(libraryName, call);
     }
 }

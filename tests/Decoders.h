@@ -6,7 +6,7 @@
 #include <map>
 
 /// The decoder folder beside the test program, filled with fixture libraries, and the registry cache, empty
-/// at first. The folder and the cache are the machine's: one test process at a time uses them.
+/// at first. All test processes share the folder and the cache, so only one at a time may use them.
 class Decoders {
 public:
     Decoders() {
@@ -21,8 +21,8 @@ public:
     Decoders(const Decoders&) = delete;
     Decoders& operator=(const Decoders&) = delete;
 
-    /// Adds a library under that name; the system lists them by their names. An export that is to be missing
-    /// gets another name in the library's file.
+    /// Adds a library under that name; the system lists them by their names. `missingExport` gets another
+    /// name in the library's file.
     FixtureBehaviour& Add(const wchar_t* name, const std::string& missingExport = "") {
         std::string bytes = ReadBytes(L"fixtures\\decoder.dll");
         if (!missingExport.empty()) {
@@ -40,10 +40,10 @@ public:
         return behaviour;
     }
 
-    /// What every library's Create has to be given from now on.
+    /// The context that every library's Create must get from now on.
     void ExpectContext(const void* context) { m_context = context; }
 
-    /// What the libraries were told since the last call, one call each: "name: call".
+    /// The calls of the libraries since this was last asked, each as "name: call".
     std::vector<std::wstring> Calls() { return std::exchange(m_calls, {}); }
 
     static std::wstring Folder() {
@@ -53,7 +53,7 @@ public:
     }
     static std::wstring PathOf(const std::wstring& name) { return Folder() + name; }
 
-    /// Whether the file system lists by name what was made in another order; "lib.dll" must be there.
+    /// Whether the file system lists files by name and not in the order of creation; "lib.dll" must exist.
     static bool AreListedByName() {
         WIN32_FIND_DATAW first = {};
         WriteTestFile(PathOf(L"a.dll"), "");
@@ -83,7 +83,7 @@ public:
     /// From now on the calls are written into this file, between the lines of the trace.
     void WriteCallsTo(HANDLE trace) { m_trace = trace; }
 
-    void Told(const wchar_t* name, const wchar_t* call) {
+    void Record(const wchar_t* name, const wchar_t* call) {
         m_errorMode = GetThreadErrorMode();
         m_calls.push_back(std::wstring(name) + L": " + call);
         const std::wstring line = m_calls.back() + L"\r\n";

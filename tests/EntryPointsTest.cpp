@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST(EntryPoints, NullInstancesAreAnsweredWithoutEffect) {
+TEST(EntryPoints, NullInstancesHaveNoEffect) {
     const LoadedPlugin plugin;
     AfterConversionInfo info = {};
     EXPECT_EQ(CALL_PLUGIN(DSP_BeginConversion, nullptr, nullptr, L"", nullptr), 0);
@@ -30,7 +30,7 @@ TEST(EntryPoints, GetKnowsOnePropertyAndEveryKeyIsTraced) {
         EXPECT_EQ(CALL_PLUGIN(DSP_Set, plugin.Instance(), row.key), 0) << key;
         EXPECT_EQ(plugin.Trace(), key + L"  [clDSP_WriteMetadataFile::Set]\r\n");
     }
-    // A key that begins like a marker moves the indentation like one.
+    // A key that begins with a marker changes the indentation.
     CALL_PLUGIN(DSP_Get, plugin.Instance(), L"->->key");
     CALL_PLUGIN(DSP_Get, plugin.Instance(), L"x");
     CALL_PLUGIN(DSP_Set, plugin.Instance(), L"<-<-key");
@@ -40,7 +40,7 @@ TEST(EntryPoints, GetKnowsOnePropertyAndEveryKeyIsTraced) {
     EXPECT_EQ(plugin.Errors(), L"");
 }
 
-TEST(EntryPoints, AudioPassesUntracedUnderTwoNamesAndNullTextsHaveADefinedResult) {
+TEST(EntryPoints, AudioIsNotTracedAndNullTextsHaveADefinedResult) {
     PluginInstance plugin;
     EXPECT_EQ(CALL_PLUGIN(DSP_PassAudioBlock, plugin.Instance()), 1);
     EXPECT_EQ(PluginExport<void()>("DSP_PassNonLive"), PluginExport<void()>("DSP_PassAudioBlock"));
@@ -52,8 +52,8 @@ TEST(EntryPoints, AudioPassesUntracedUnderTwoNamesAndNullTextsHaveADefinedResult
     EXPECT_EQ(plugin.Trace(), L"");
 }
 
-TEST(EntryPoints, LoadingAndFreeingLeavesNothingBehind) {
-    // Stays loaded: Wine's leaves a handle behind each time that it is freed.
+TEST(EntryPoints, LoadingAndFreeingLeaksNothing) {
+    // Stays loaded: Wine's own library leaks a handle each time that it is freed.
     const OwnedModule dialogs(LoadLibraryW(L"comdlg32.dll"));
     const auto load = [](size_t rounds) {
         for (size_t i = 0; i < rounds; ++i) {
@@ -65,13 +65,13 @@ TEST(EntryPoints, LoadingAndFreeingLeavesNothingBehind) {
             EXPECT_EQ(CALL_PLUGIN(DSP_Destroy, instance), 1);
         }
     };
-    load(20); // what the system makes once is there after these
+    load(20); // the system makes its own lasting objects during these
     constexpr size_t kRounds = 50;
     const size_t handles = HandlesInUse();
     const size_t bytes = HeapUse();
     load(kRounds);
     EXPECT_LE(HandlesInUse(), handles + SystemsHandles());
-    EXPECT_LT(HeapUse(), bytes + SystemsBytes(kRounds)) << "a byte each time";
+    EXPECT_LT(HeapUse(), bytes + SystemsBytes(kRounds)) << "leaks in each round";
 }
 
 TEST(EntryPoints, LoadingStartsWinsockAndFreeingStopsIt) {

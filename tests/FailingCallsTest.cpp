@@ -16,8 +16,8 @@ namespace {
 using Round = std::function<std::string()>;
 using Results = std::set<std::string>;
 
-/// How a function tells that it fails, and what then becomes of a round: of one in which its first call
-/// fails, one in which its second does, and so on, these and no other results.
+/// How a function reports failure, and the results of the rounds: of one in which its first call fails, one
+/// in which its second does, and so on. These results occur and no others.
 struct Failure {
     std::string function;
     int64_t answer;
@@ -28,23 +28,23 @@ using Failures = std::vector<Failure>;
 
 constexpr int64_t kInvalid = -1; // INVALID_HANDLE_VALUE; in its lower half WAIT_FAILED
 
-/// In place of a function: the n-th call for memory finds none, and what is left then stays all there is.
+/// In place of a function: memory runs out at the n-th allocation, and none is added afterwards.
 const std::string kMemory = "memory";
 
-/// Called, but without a failure that could matter: those that release are past caring for.
+/// Called, but without a failure that could matter, such as those that release something.
 const std::string kCannotFail =
     " CloseHandle CoUninitialize DeleteObject DestroyIcon DestroyWindow EndPaint "
     "EnterCriticalSection FindClose free FreeLibrary GlobalUnlock LeaveCriticalSection "
     "memcpy memmove memset RegCloseKey ReleaseDC ReleaseMutex ShowWindow strlen "
     "SysFreeString TlsGetValue VariantClear ";
 
-/// Taken as often as given back.
+/// Calls that must come in equal numbers.
 const std::pair<std::string, std::string> kPairs[] = {{"GetDC", "ReleaseDC"},
                                                       {"BeginPaint", "EndPaint"},
                                                       {"CreateFontIndirectW", "DeleteObject"},
                                                       {"LoadImageW", "DestroyIcon"}};
 
-/// The plug-in's memory, which can end.
+/// The plug-in's memory, which can run out.
 struct Heap {
     inline static uint64_t calls = 0;
     inline static uint64_t lastCall = 0; // that finds no memory; 0 for none
@@ -82,8 +82,8 @@ struct Heap {
     }
 };
 
-/// Runs the work on a new thread. Not on a std::thread: when it and its maker wait for the same lock of the
-/// runtime, the runtime makes an event for that lock and keeps it, which looks like a handle that leaked.
+/// Runs the work on a new thread. Not on a std::thread: when it and its creator wait for the same lock of the
+/// runtime, the runtime makes an event for that lock and keeps it, which looks like a leaked handle.
 template<class Work>
 void OnNewThread(Work work) {
     const LPTHREAD_START_ROUTINE run = [](void* argument) -> DWORD {
@@ -104,7 +104,7 @@ protected:
         stubs["free"].target = reinterpret_cast<void*>(Heap::Give);
     }
 
-    /// Plays a round in which that call fails, 0 for none. The counts of the calls stay.
+    /// Runs a round in which that call fails, 0 for none. The counts of the calls can be read afterwards.
     std::string Play(const Round& round, const Failure& failure, uint64_t call) {
         RegDeleteKeyW(HKEY_CURRENT_USER, Decoders::kCacheKey);
         stubs.CountAnew();
@@ -118,7 +118,7 @@ protected:
     }
 
     void LetFail(const Round& round, const Failures& failures) {
-        // What the runtime and the system make once is there after these.
+        // The runtime and the system make their own lasting objects during these.
         for (const uint64_t call : {1u, 9u, 0u, 1u, 9u, 0u}) {
             Play(round, {kMemory, 0, 0, {}}, call);
         }
@@ -130,7 +130,7 @@ protected:
                                });
             ASSERT_TRUE(stub.calls == 0 || known) << "How does it fail? " << stub.name;
         }
-        // The first mismatch ends the test: what reports it takes handles and memory as well.
+        // The first mismatch ends the test, because reporting it takes handles and memory as well.
         const size_t handles = HandlesInUse();
         const size_t used = Heap::used;
         for (const Failure& failure : failures) {
@@ -158,9 +158,9 @@ protected:
         }
     }
 
-    /// The whole life of an instance on a thread that never was in the plug-in: what its calls answered if
-    /// that is not 1, what became of the output file, and the error lines without file names, scopes and what
-    /// Windows' parser says of itself.
+    /// Runs an instance from Create to Destroy on a thread that never called the plug-in before. The result
+    /// says which calls did not answer 1, what became of the output file, and the error lines without file
+    /// names, scopes and the descriptions of Windows' parser.
     std::string Convert() {
         WriteTestFile(document, "kept");
         const OwnedFile errors = CreateTestFile(errorPath);
@@ -168,7 +168,7 @@ protected:
         const AfterConversionInfo info = Info();
         std::string result;
         OnNewThread([&] {
-            SetErrorInfo(0, told);
+            SetErrorInfo(0, errorInfo);
             try {
                 auto* instance = CALL_PLUGIN(DSP_Create, &record);
                 if (CALL_PLUGIN(DSP_BeginConversion, instance, nullptr, settings.c_str(), nullptr) == 0) {
@@ -197,7 +197,7 @@ protected:
         return result;
     }
 
-    /// The output file without what a stream's memory may hold behind the end.
+    /// The output file without the bytes that a stream's memory block may have after the end.
     std::string Written() const {
         const std::string bytes = ReadBytes(document);
         const size_t at = bytes.rfind(end);
@@ -229,7 +229,7 @@ protected:
         const std::string notBegun =
             transforms ? "not begun, other; Out of memory" : "not begun, whole; Out of memory";
         const Failures ofAll = {
-            // The cache is nothing but a short cut; without a lock the work goes on.
+            // Without the cache the folder is scanned; without a lock the work goes on.
             {"RegCreateKeyExW", ERROR_ACCESS_DENIED, 0, {"whole"}},
             {"RegQueryValueExW", ERROR_ACCESS_DENIED, 0, {"whole"}},
             {"RegSetValueExW", ERROR_ACCESS_DENIED, 0, {"whole"}},
@@ -249,8 +249,8 @@ protected:
             {"FindFirstFileW", kInvalid, ERROR_ACCESS_DENIED, unfound},
             {"FindNextFileW", 0, ERROR_ACCESS_DENIED, {noInfo, noTags}},
             {"GetModuleFileNameW", 0, ERROR_NOT_ENOUGH_MEMORY, {"whole", noInfo, noTags}},
-            // A library that fails is passed over; when it fails for the second time in a reading, in
-            // silence.
+            // A library that fails is skipped; when it fails at its second load in a reading, nothing is
+            // logged.
             {"LoadLibraryW", 0, ERROR_NOT_ENOUGH_MEMORY, someLess},
             {"GetProcAddress", 0, ERROR_PROC_NOT_FOUND, someLess},
             {"malloc", 0, 0, {"not created, kept", notBegun, "not done, kept; Out of memory", "whole"}},
@@ -265,12 +265,12 @@ protected:
     }
 
     const HMODULE module = GetModuleHandleW(L"WriteMetadataFile.dll");
-    CallStubs& stubs = *new CallStubs; // for as long as anyone calls through them
+    CallStubs& stubs = *new CallStubs; // never freed: replaced pointers lead to them until the end
     const std::wstring errorPath = folder + L"failures.log";
     const OwnedFile trace = CreateTestFile(folder + L"calls.log");
     std::wstring settings = L"-ext=.xml";
-    IErrorInfo* told = nullptr; // the thread's error information
-    std::string whole;          // what the output file should hold
+    IErrorInfo* errorInfo = nullptr; // the thread's
+    std::string whole;               // what the output file should hold
     std::string end = "</AudioMetadata>\r\n";
 };
 
@@ -329,7 +329,7 @@ void Make(Interface*& object, const wchar_t* classText, const wchar_t* interface
               S_OK);
 }
 
-/// With stubs in the methods of the real XML parser. Its objects live on, and the parser with them.
+/// With stubs in the methods of the real XML parser. Its objects are not released, which keeps it loaded.
 class FailingParser : public FailingCalls {
 protected:
     FailingParser() {
@@ -361,18 +361,18 @@ protected:
         for (const auto& row : methods) {
             stubs.AddMethod(row.name, row.object, row.method, module);
         }
-        // What the next failing call finds to tell.
+        // The description that the next failing call finds.
         ICreateErrorInfo* creation = nullptr;
-        std::wstring description = L"told";
+        std::wstring description = L"described";
         CreateErrorInfo(&creation);
         creation->SetDescription(description.data());
-        creation->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&told));
+        creation->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&errorInfo));
         settings = L"-xsltfile=\"" + sheet + L"\"";
         end = "[END]";
     }
 
     const std::wstring sheet = folder + L"sheet.xsl";
-    const std::string reported = RunsUnderWine() ? "told" : ""; // which Windows' parser may replace
+    const std::string reported = RunsUnderWine() ? "described" : ""; // which Windows' parser may replace
 };
 
 TEST_F(FailingParser, InATransformation) {
@@ -476,7 +476,7 @@ TEST_F(FailingCalls, InAPanelRound) {
          {"not created", notShown, "not shown, -xsltfile=\"\" -ext=\"\", nothing",
           "not shown, nothing, nothing", "shown, nothing, nothing", "shown, read, nothing"}},
     };
-    // Looks at most: place, font, icon, accessible name, tooltip.
+    // These affect appearance at most: position, font, icon, accessible name, tooltip.
     for (const char* name : {"BeginPaint",      "CreateFontIndirectW", "CreateMutexW",
                              "DrawIconEx",      "DrawTextW",           "GetAncestor",
                              "GetClassNameW",   "GetClientRect",       "GetDC",

@@ -17,7 +17,7 @@ public:
     TempFolder() {
         wchar_t base[MAX_PATH];
         GetTempPathW(MAX_PATH, base);
-        // A test that crashed leaves its folder behind, and process ids come again.
+        // A test that crashed leaves its folder behind, and process ids are used again.
         static unsigned count = 0;
         do {
             m_folder = std::wstring(base) + L"wmf-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
@@ -39,7 +39,7 @@ public:
         for (bool more = search.IsValid(); more; more = FindNextFileW(search.Get(), &found)) {
             const std::wstring path = base + L"\\" + found.cFileName;
             if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-                // On Windows a virus scanner may hold on to a new file.
+                // On Windows a virus scanner may keep a new file open.
                 for (int i = RunsUnderWine() ? 99 : 0; !DeleteFileW(path.c_str()) && i < 99; ++i) {
                     Sleep(20);
                 }

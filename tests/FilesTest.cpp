@@ -13,7 +13,7 @@ XString Text(const std::wstring& text) {
 }
 
 TEST(XFile, LongPathsAreTakenLiterally) {
-    // Only with the prefix of long paths does the system leave "." as it is, and find no folder of that name.
+    // With the prefix of long paths the system does not resolve ".", and finds no folder of that name.
     const TempFolder folder;
     const auto path = [&folder](size_t size) {
         const std::wstring begin = folder.Path(L".\\");
@@ -28,7 +28,7 @@ TEST(XFile, LongPathsAreTakenLiterally) {
     EXPECT_TRUE(isMade(kScanPathLimit) && !FileExists(path(kScanPathLimit)));
 }
 
-TEST(XFile, ClosesWhatWasOpenBeforeItFails) {
+TEST(XFile, ClosesTheEarlierFileWhenItFails) {
     const TempFolder folder;
     XFile file;
     EXPECT_TRUE(file.Open(Text(folder.Path(L"a")), GENERIC_WRITE, CREATE_ALWAYS));
@@ -38,7 +38,7 @@ TEST(XFile, ClosesWhatWasOpenBeforeItFails) {
     EXPECT_TRUE(file.Write(nullptr, 0));
 }
 
-TEST(FileExists, TellsFilesFoldersRootsAndWildcards) {
+TEST(FileExists, FindsFilesFoldersRootsAndWildcards) {
     const TempFolder folder;
     WriteTestFile(folder.Path(L"song.flac"), "");
     CreateDirectoryW(folder.Path(L"sub").c_str(), nullptr);
@@ -71,14 +71,14 @@ TEST(XFileFind, ListsFilesAndFoldersOnce) {
     }
     XFileFind all(Text(folder.Path(L"decoder\\*")));
     EXPECT_TRUE(all.Next() && all.Next() && all.Next());
-    EXPECT_FALSE(all.Next()) << "the folder itself and its parent are passed over";
+    EXPECT_FALSE(all.Next()) << "the folder itself and its parent are skipped";
     EXPECT_FALSE(XFileFind(Text(folder.Path(L"none\\*"))).Next());
     std::set<std::wstring> found;
     XFileFind find(Text(folder.Path(L"decoder\\*.dll")));
     while (find.Next()) {
         found.insert(std::wstring(find.Path().Text()) + (find.IsFolder() ? L" folder" : L""));
     }
-    EXPECT_FALSE(find.Next()) << "the end stays the end";
+    EXPECT_FALSE(find.Next()) << "a call after the last entry";
     EXPECT_EQ(found, (std::set<std::wstring>{folder.Path(L"decoder\\b.DLL"),
                                              folder.Path(L"decoder\\folder.dll folder")}));
 }

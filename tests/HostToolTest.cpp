@@ -12,7 +12,7 @@ constexpr char kWave[] = "RIFF\x2C\0\0\0WAVE"
                          "fmt \x10\0\0\0\x01\0\x01\0\x40\x1F\0\0\x80\x3E\0\0\x02\0\x10\0"
                          "data\x08\0\0\0\1\0\2\0\3\0\4\0";
 
-TEST(HostTool, TellsWhatCameOut) {
+TEST(HostTool, ReportsTheDocumentOrTheFault) {
     const std::wstring programs = ModuleFolder(nullptr).Text();
     const TempFolder folder;
     SetCurrentDirectoryW(folder.Path(L"").c_str());
@@ -41,7 +41,7 @@ TEST(HostTool, TellsWhatCameOut) {
         if (const size_t at = arguments.find(L'@'); at != std::wstring::npos) {
             arguments.replace(at, 1, programs);
         }
-        // Each run has a file of its own: Wine's desktop, if the run was what started it, holds on to it.
+        // Each run has a file of its own: Wine's desktop keeps it open if this run started the desktop.
         const std::wstring out = L"out" + std::to_wstring(&row - rows);
         const std::wstring command =
             L"\"\"" + programs + L"..\\..\\tools\\dsphost.exe\" " + arguments + L" >" + out + L" 2>&1 <NUL\"";

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-// Surroundings that turn against the plug-in.
+// Outputs, names, files and decoder folders that are not as the plug-in expects.
 
 namespace {
 
@@ -27,7 +27,7 @@ protected:
         onCall = [](const std::wstring&) {};
     }
 
-    /// Converts with the settings and gives the error lines; the work must be done to its end.
+    /// Converts with the settings and returns the error lines; the trace must show a complete conversion.
     std::wstring Errors(const std::wstring& settings = L"") {
         const std::wstring trace = Convert(settings);
         EXPECT_NE(trace.find(L"<-<-  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n"), std::wstring::npos);
@@ -94,7 +94,7 @@ TEST_F(Hostile, NamesAreTakenAsTheyAre) {
     }
 }
 
-TEST_F(Hostile, ASourceMayGoBetweenTwoReadings) {
+TEST_F(Hostile, ASourceMayDisappearBetweenTwoReadings) {
     onCall = [this](const std::wstring& call) {
         if (call.ends_with(L" 8")) {
             EXPECT_TRUE(DeleteFileW(source.c_str()));

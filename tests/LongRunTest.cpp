@@ -31,7 +31,7 @@ protected:
     LongRun() { behaviour = &library; }
 };
 
-TEST_F(LongRun, ConversionsLeaveNothingBehind) {
+TEST_F(LongRun, ConversionsLeakNothing) {
     const std::wstring sheet = folder + L"sheet.xsl";
     WriteTestFile(sheet, "<s:stylesheet version='1.0' xmlns:s='http://www.w3.org/1999/XSL/Transform'>"
                          "<s:template match='/'>" +
@@ -45,16 +45,16 @@ TEST_F(LongRun, ConversionsLeaveNothingBehind) {
                 CALL_PLUGIN(DSP_BeginConversion, instance, nullptr, settings.c_str(), nullptr);
                 EXPECT_EQ(CALL_PLUGIN(DSP_AfterConversion, instance, &info), 1);
             }
-            // Behind these there may be anything: a stream's memory has a size of its own.
+            // Any bytes may follow: a stream's memory block may be larger than what was written.
             return ReadBytes(document).substr(0, 8000);
         };
-        const std::string first = convert(80); // what the system makes once is there after these
+        const std::string first = convert(80); // the system makes its own lasting objects during these
         EXPECT_GT(first.size(), 100u);
         const size_t handles = HandlesInUse();
         const size_t bytes = HeapUse();
         EXPECT_EQ(convert(Rounds()), first);
         EXPECT_LE(HandlesInUse(), handles + SystemsHandles());
-        EXPECT_LT(HeapUse(), bytes + SystemsBytes(static_cast<size_t>(Rounds()))) << "a byte each time";
+        EXPECT_LT(HeapUse(), bytes + SystemsBytes(static_cast<size_t>(Rounds()))) << "leaks in each round";
         CALL_PLUGIN(DSP_Destroy, instance);
     }
 }
@@ -104,7 +104,7 @@ TEST_F(LongRun, ThreadsShareTheTrace) {
     }
     convert(0, 1, documents[0]);
     const std::vector<std::wstring> together = Lines(ReadUtf16(tracePath));
-    EXPECT_EQ(together.back(), alone.back()) << "the depth is off";
+    EXPECT_EQ(together.back(), alone.back()) << "wrong indentation";
     EXPECT_EQ(Distinct(together), Distinct(alone));
 }
 

@@ -42,10 +42,10 @@ TEST(XmlWriter, ElementNamesLoseTwelveCharacters) {
     }
 }
 
-TEST(XmlWriter, PartsNoPairBetweenItsChunks) {
+TEST(XmlWriter, SplitsNoSurrogatePairBetweenChunks) {
     for (const std::wstring ahead : {L"", L"x", L"xx"}) {
         std::wstring pairs = ahead;
-        std::wstring name = ahead; // it loses the blanks, which makes pairs of its halves
+        std::wstring name = ahead; // without its blanks it has pairs, too
         for (int i = 0; i < 20000; ++i) {
             pairs += L"\xD83D\xDE00";
             name += L"\xD83D \xDE00";
@@ -53,7 +53,7 @@ TEST(XmlWriter, PartsNoPairBetweenItsChunks) {
         const std::wstring expected = pairs + L"&lt;\r\n" + pairs + L"\xD83D";
         std::wstring written;
         XmlWriter out("\r\n", [&](std::wstring_view chunk) {
-            ASSERT_FALSE(chunk.front() == 0xDE00) << "behind " << written.size() << " units";
+            ASSERT_FALSE(chunk.front() == 0xDE00) << "after " << written.size() << " units";
             written += chunk;
         });
         out.AppendEscaped(Utf16View(pairs.data(), pairs.size()));

@@ -193,7 +193,7 @@ TEST_F(Panel, FillsItsFieldsAndReadsThem) {
     EXPECT_EQ(Read(kClose), L"-xsltfile=\"" + longest + L"\" -ext=\"" + longest + L"\"");
 }
 
-TEST_F(Panel, TakesNoMoreTypingThanItReads) {
+TEST_F(Panel, LimitsTypingToWhatItReads) {
     const HWND panel = Show();
     for (const int id : {kXsltFile, kExtension}) {
         const HWND field = GetDlgItem(panel, id);
@@ -238,7 +238,7 @@ TEST_F(Panel, ClosesUnlessQueried) {
     }
 }
 
-TEST_F(Panel, EndsWithWhateverEndsItsTime) {
+TEST_F(Panel, ClosesWithItsParentOrInstanceAndWhenReplaced) {
     const std::function<void()> ends[] = {
         [this] { EXPECT_NE(Show(), nullptr); },
         [this] { DestroyWindow(GetWindow(host.Get(), GW_CHILD)); },
@@ -268,7 +268,7 @@ TEST_F(Panel, IsRefusedWithoutInstanceOrParent) {
     EXPECT_EQ(Read(kClose), L"-xsltfile=\"\" -ext=\"\"") << "no panel";
 }
 
-TEST_F(Panel, StandsWhereTheHostWantsIt) {
+TEST_F(Panel, AppearsWhereTheHostPlacesIt) {
     const struct {
         int32_t x, y;
         LONG left, top;
@@ -277,17 +277,17 @@ TEST_F(Panel, StandsWhereTheHostWantsIt) {
         const OwnedWindow sibling(CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 10, 10, host.Get(),
                                                   nullptr, nullptr, nullptr));
         const HWND panel = Show(L"", row.x, row.y);
-        EXPECT_EQ(GetWindow(panel, GW_HWNDPREV), sibling.Get()) << "it stays behind what was there before";
+        EXPECT_EQ(GetWindow(panel, GW_HWNDPREV), sibling.Get()) << "it stays below older siblings";
         const Place size = Mapped(panel, {0, 0, 300, 79});
         EXPECT_EQ(PlaceOf(panel), (Place{row.left, row.top, size[2], size[3]}));
     }
 }
 
-TEST_F(Panel, SharesTheProcessWithAnother) {
+TEST_F(Panel, WorksBesideAnother) {
     PluginInstance other;
     const HWND first = Show(L"-ext=.a");
     const HWND second = CALL_PLUGIN(DSP_ShowConfigBit, other.Instance(), host.Get(), 0, 0, L"-ext=.b");
-    // The tooltips' timers; killing one tells whether there is one.
+    // The tooltips' timers; KillTimer fails when there is none of that id.
     EXPECT_FALSE(KillTimer(first, 7789));
     EXPECT_TRUE(KillTimer(first, 7788));
     EXPECT_TRUE(KillTimer(second, 7789));
@@ -313,7 +313,7 @@ TEST_F(Panel, IsClosedByTheHostAlone) {
 }
 
 /// Stands in for the system's service for accessible names and for the factory of that service: a COM object
-/// with its methods at their places in both, of which only the named ones are called.
+/// with the methods of both at their places in the table. Only the named ones are called.
 class NameService final {
 public:
     virtual HRESULT QueryInterface(const IID& id, void** result) {
@@ -378,8 +378,8 @@ TEST_F(Panel, LeavesTheThreadsApartmentAsItIs) {
     }
 }
 
-/// What the button tells its parent when it is pressed; on Windows, BM_CLICK may fail in a dialog that is not
-/// active.
+/// Sends what the button sends its parent when it is pressed: on Windows, BM_CLICK may fail in a dialog that
+/// is not active.
 void PressBrowse(HWND panel) {
     const HWND button = GetDlgItem(panel, kBrowse);
     SendMessageW(panel, WM_COMMAND, MAKEWPARAM(kBrowse, BN_CLICKED), reinterpret_cast<LPARAM>(button));
@@ -398,7 +398,7 @@ TEST_F(Panel, GivesTheFileDialogRoomForAPath) {
     EXPECT_EQ(asked.Flags, 0u);
 }
 
-/// Presses Browse and lets `answer` deal with the file dialog once it is there, from inside its message loop.
+/// Presses Browse and calls `answer` with the file dialog once it is open, from inside its message loop.
 void Browse(HWND panel, const std::function<void(HWND dialog)>& answer) {
     static const std::function<void(HWND)>* user;
     static ULONGLONG end;
@@ -421,7 +421,7 @@ void Browse(HWND panel, const std::function<void(HWND dialog)>& answer) {
     PressBrowse(panel);
 }
 
-/// The edit field of the file dialog: alone, as once, or within one or two combo boxes.
+/// The edit field of the file dialog: by itself in the older dialog, else within one or two combo boxes.
 HWND FileNameField(HWND dialog) {
     HWND field = GetDlgItem(dialog, cmb13);
     field = field != nullptr ? field : GetDlgItem(dialog, edt1);
@@ -473,7 +473,7 @@ TEST_F(Panel, MayBeReplacedWhileTheUserBrowses) {
 
 } // namespace
 
-// What the help button's import of ShellExecuteW leads to in this program.
+// The ShellExecuteW that the help button calls in this program.
 static std::wstring shellCall;
 
 static HINSTANCE WINAPI RecordShellExecute(HWND owner, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters,

@@ -26,7 +26,7 @@ TEST(ParseOptions, ReadsEveryFormOfOption) {
         {L"-xsltfile=\"C:\\My Files\\a-b.xsl\" -ext=\"txt\"", L"xsltfile[C:\\My Files\\a-b.xsl]ext[txt]"},
         {L"--ext = \"xml\"", L"ext[xml]"},
         {L"-ext  == =txt rest -a", L"ext[txt]a[]"},
-        {L"-xsltfile=\"abc -ext=x y", L"xsltfile[]ext[x]"}, // goes on just behind the quote
+        {L"-xsltfile=\"abc -ext=x y", L"xsltfile[]ext[x]"}, // goes on just after the quote
         {L"-ext\"txt\"-b=1", L"ext[txt]b[1]"},
         {L"-a=b-c -d", L"a[b-c]d[]"},
         {L"-=x -\"y\" - z -e=1", L"e[1]"},

@@ -7,11 +7,11 @@
 #include <iterator>
 #include <vector>
 
-// What the process holds. Its private bytes say less: a system may count them in steps of hundreds of
-// kilobytes.
+// Handles and heap memory of the process. Its private bytes are too coarse: a system may count them in steps
+// of hundreds of kilobytes.
 
-/// A number that every handle left open raises: that of the open handles or, under Wine, which does not count
-/// them, the highest of many new ones. Windows gives new ones their values in no order.
+/// A number that grows with every leaked handle: the count of open handles or, under Wine, which does not
+/// count them, the highest value of many new ones. On Windows the values of new handles have no order.
 inline size_t HandlesInUse() {
     if (!RunsUnderWine()) {
         DWORD count = 0;
@@ -44,7 +44,7 @@ inline size_t HeapUse() {
     return used;
 }
 
-/// How many handles, or windows, and bytes may be more though nothing leaks: Windows and its XML parser take
+/// By how much handles (or windows) and bytes may grow though nothing leaks: Windows and its XML parser take
 /// some for themselves at any time.
 inline size_t SystemsHandles() {
     return RunsUnderWine() ? 0 : 16;

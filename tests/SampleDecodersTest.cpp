@@ -42,7 +42,7 @@ struct Library {
 constexpr auto kWav = L"..\\..\\tools\\decoder\\wav.dll";
 constexpr auto kFlac = L"..\\..\\tools\\decoder\\flac.dll";
 
-/// "Name=value" for each entry, with the bytes of binary data behind it and " | " between entries.
+/// "Name=value" for each entry, followed by the bytes of binary data, and " | " between entries.
 std::wstring Render(const void* list, int32_t size) {
     std::wstring text;
     int32_t count = 0;
@@ -56,7 +56,7 @@ std::wstring Render(const void* list, int32_t size) {
     return text;
 }
 
-/// All that one opening of the file gives, in lines; "no" when it fails. The first line has format tag,
+/// All that one Open returns, in lines; "no" when it fails. The first line has format tag,
 /// extension size, channels, sample rate, bits, block size, byte rate; kbit/s, ms.
 std::wstring Read(const Library& library, const std::string& content) {
     DecoderOpenRecord record;
@@ -118,12 +118,12 @@ std::string Picture(const std::string& mimeType, const std::string& description,
                         Zeros(16) + Big(size) + data);
 }
 
-/// A tenth of a second of audio that takes 501 bytes, behind an empty last block.
+/// A tenth of a second of audio that takes 501 bytes, after an empty last block.
 std::string Flac(const std::string& blocks) {
     return "fLaC" + StreamInfo(8000, 2, 12, 800) + blocks + Block(0x81, {}) + Zeros(501);
 }
 
-TEST(SampleDecoders, TellWhatTheFileHolds) {
+TEST(SampleDecoders, ReportWhatTheFileHolds) {
     wchar_t ansi = 0;
     MultiByteToWideChar(CP_ACP, 0, "\xE9", 1, &ansi, 1);
     const std::string mono = Format(1, 1, 8000, 16); // 24 bytes
@@ -179,7 +179,7 @@ TEST(SampleDecoders, TellWhatTheFileHolds) {
     }
 }
 
-TEST(SampleDecoders, OneFlagFillsItsFieldsAloneAndListsLiveOn) {
+TEST(SampleDecoders, AFlagFillsItsOwnFieldsAndListsStayValid) {
     const Library library(kFlac);
     constexpr uint32_t kFlags[] = {kOpenIDTags, kOpenAudioInfo, kOpenAudioProperties};
     DecoderOpenRecord records[3];

@@ -31,7 +31,7 @@ inline Place PlaceOf(HWND window) {
     return {rect.left, rect.top, width, height};
 }
 
-/// Handles the messages that wait for this thread.
+/// Dispatches the messages that wait for this thread.
 inline void PumpMessages() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {

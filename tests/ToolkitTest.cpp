@@ -22,14 +22,14 @@ enum class Mode {
     Take,   // OnMessage does
 };
 
-/// Writes down the operations that one message calls, with their arguments, and answers each alike.
+/// Records the operations that one message calls, with their arguments, and answers all of them alike.
 class Recorder : public XWindow {
 public:
     ~Recorder() override { Destroy(); }
 
     std::string calls;
 
-    /// Begins to write down one message; others come and go as the system likes.
+    /// Begins to record one message; the system sends others at any time, which are not recorded.
     void Watch(UINT message, WPARAM wParam, Mode mode = Mode::Ignore) {
         calls.clear();
         m_message = message;
@@ -175,7 +175,7 @@ TEST(Dispatch, CallsTheOperationOfEachMessage) {
     }
 }
 
-TEST(WindowObject, EndsWithItsWindowAndTheOtherWayRound) {
+TEST(WindowObject, DetachesFromAWindowThatEndsAndDestroysItsOwn) {
     const OwnedWindow top = MakeTopWindow();
     SKIP_WITHOUT_DISPLAY(top.Get());
     void (*const ends[])(std::unique_ptr<Recorder>&) = {
@@ -204,11 +204,11 @@ TEST(WindowObject, EndsWithItsWindowAndTheOtherWayRound) {
             EXPECT_EQ(object->calls, "") << "timers end with their window";
         }
     }
-    XWindow stranger; // to the window
-    stranger.MoveTo(1, 2);
-    EXPECT_EQ(stranger.Dispatch(top.Get(), WM_GETTEXTLENGTH, 0, 0), 0);
-    EXPECT_EQ(XWindow::DialogProc(top.Get(), WM_CLOSE, 0, reinterpret_cast<LPARAM>(&stranger)), FALSE);
-    EXPECT_EQ(stranger.Hwnd(), nullptr);
+    XWindow detached;
+    detached.MoveTo(1, 2);
+    EXPECT_EQ(detached.Dispatch(top.Get(), WM_GETTEXTLENGTH, 0, 0), 0);
+    EXPECT_EQ(XWindow::DialogProc(top.Get(), WM_CLOSE, 0, reinterpret_cast<LPARAM>(&detached)), FALSE);
+    EXPECT_EQ(detached.Hwnd(), nullptr);
 }
 
 TEST(WindowObject, TimersTickUntilStopped) {
@@ -229,7 +229,7 @@ TEST(WindowObject, TimersTickUntilStopped) {
     EXPECT_FALSE(KillTimer(window.Hwnd(), kTimer)) << "there is none left";
 }
 
-TEST(Button, KnowsItsClicks) {
+TEST(Button, HandlesItsClicks) {
     struct CountingButton : XButton {
         int clicks = 0;
         void OnClick() override { ++clicks; }
@@ -274,7 +274,7 @@ TEST(Button, KnowsItsClicks) {
     EXPECT_EQ(button.Hwnd(), nullptr);
 }
 
-TEST(Button, MayEndWithItsControlWhenItIsClicked) {
+TEST(Button, MayBeDestroyedByItsClick) {
     struct Parent : XWindow {
         ~Parent() override { Destroy(); }
         bool OnCommand(UINT, HWND control, UINT) override {

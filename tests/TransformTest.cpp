@@ -24,12 +24,12 @@ protected:
         WriteTestFile(sheet, Sheet("method='text' encoding='UTF-8'", "<xsl:value-of select='//Title'/>"));
     }
 
-    /// Runs a conversion with the style sheet and gives the error lines.
+    /// Runs a conversion with the style sheet and returns the error lines.
     std::wstring Transform() {
         const std::wstring trace = Convert(L"-xsltfile=\"" + sheet + L"\"");
         const std::wstring errors = plugin.Errors();
         EXPECT_EQ(trace.find(std::wstring(L"<-<-") + kScope) == std::wstring::npos, !errors.empty())
-            << "a transformation that failed is not left";
+            << "a failed transformation has no leaving line";
         return errors;
     }
 
@@ -51,7 +51,7 @@ TEST_F(TransformTest, WritesWhatTheParserMadeOfTheDocument) {
     EXPECT_EQ(bytes.substr(0, expected.size() * 2),
               std::string(reinterpret_cast<const char*>(expected.data()), expected.size() * 2));
 
-    // Later settings without a style sheet keep the one of before.
+    // Later settings without a style sheet keep the earlier one.
     plugin.Trace();
     EXPECT_NE(Convert().find(kLoadedSheet), std::wstring::npos);
 }
@@ -64,7 +64,7 @@ TEST_F(TransformTest, TracesEachStep) {
         << trace;
 }
 
-TEST_F(TransformTest, ADocumentThatIsNoXmlLeavesTheOutputFileAlone) {
+TEST_F(TransformTest, ADocumentThatIsNotWellFormedKeepsTheOutputFile) {
     for (const auto& [name, value] : {std::pair{L"1st", L"x"}, std::pair{L"a", L"\x0001"}}) {
         tags = TagBlob().Add(name, value).Bytes();
         EXPECT_TRUE(Transform().starts_with(std::wstring(L"Loading intermediate XML failed") + kScope))
@@ -101,7 +101,7 @@ struct Releases {
 
 TEST_F(TransformTest, ReleasesItsObjectsBeforeItLeavesCom) {
     CoInitialize(nullptr);
-    CallStubs& stubs = *new CallStubs; // for as long as the parser calls through them
+    CallStubs& stubs = *new CallStubs; // never freed: the parser calls through them until the end
     Releases::stubs = &stubs;
     const HMODULE module = GetModuleHandleW(L"WriteMetadataFile.dll");
     stubs.AddImports(module);

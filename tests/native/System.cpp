@@ -8,15 +8,15 @@ namespace {
 
 const uint8_t* fileBytes = nullptr;
 size_t fileSize = 0;
-size_t toldFileSize = 0;
+size_t reportedFileSize = 0;
 size_t filePosition = 0;
 
 } // namespace
 
-void SetTheFile(const uint8_t* bytes, size_t size, size_t toldSize) {
+void SetTheFile(const uint8_t* bytes, size_t size, size_t reportedSize) {
     fileBytes = bytes;
     fileSize = size;
-    toldFileSize = toldSize;
+    reportedFileSize = reportedSize;
 }
 
 HANDLE CreateFileW(const wchar_t*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) {
@@ -25,7 +25,7 @@ HANDLE CreateFileW(const wchar_t*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) {
 }
 
 BOOL GetFileSizeEx(HANDLE /*file*/, LARGE_INTEGER* size) {
-    size->QuadPart = static_cast<LONGLONG>(toldFileSize);
+    size->QuadPart = static_cast<LONGLONG>(reportedFileSize);
     return 1;
 }
 

@@ -3,6 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 
-/// What files hold from now on. `toldSize` is the size that the system tells, which may be more than the
-/// bytes that are there: files get cut while they are read. The bytes must stay.
-void SetTheFile(const uint8_t* bytes, size_t size, size_t toldSize);
+/// The content of every file from now on. `reportedSize` is the size that the system reports, which may be
+/// more than `size`: files get cut while they are read. The bytes are not copied.
+void SetTheFile(const uint8_t* bytes, size_t size, size_t reportedSize);

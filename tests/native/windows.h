@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// The little of Windows that code under test and the tests themselves ask for where there is no Windows.
+// The parts of <windows.h> that code under test and the tests use where there is no Windows.
 
 using BOOL = int;
 using BYTE = uint8_t;
@@ -32,14 +32,14 @@ BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER offset, LARGE_INTEGER* position
 BOOL ReadFile(HANDLE file, void* out, DWORD size, DWORD* read, void* overlapped);
 BOOL CloseHandle(HANDLE handle);
 
-// 8-bit text. Only ASCII is told apart: as UTF-8 every other byte counts as invalid.
+// 8-bit text. Only ASCII is decoded: as UTF-8 every other byte counts as invalid.
 
 constexpr UINT CP_ACP = 0, CP_UTF8 = 65001;
 constexpr DWORD MB_ERR_INVALID_CHARS = 8;
 
 int MultiByteToWideChar(UINT codePage, DWORD flags, const char* text, int size, wchar_t* out, int outSize);
 
-// Named by owners of what is never owned here.
+// Named by owners that are not used here.
 
 BOOL FindClose(HANDLE search);
 BOOL FreeLibrary(HMODULE module);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs a program under Wine and passes its output on when it has ended. Not straight away: a program that shows a
-# window starts Wine's desktop if there is none, the desktop inherits the program's output for as long as it lives, and
-# whoever reads from a pipe would wait for that long.
+# Runs a program under Wine and writes its output when it has ended. Not earlier: a program that shows a window starts
+# Wine's desktop if there is none, the desktop inherits the program's output, and whoever reads that from a pipe would
+# wait until the desktop ends.
 #
 #   run-under-wine.sh PROGRAM [ARGUMENT…]
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Measures the plug-in against other ways to do the same; docs/performance.md tells what the rows mean.
+# Measures the plug-in against other ways to do the same; docs/performance.md says what the rows mean.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 no_arguments "$@"
@@ -10,7 +10,8 @@ install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build
 build mingw-release bench
 start_wine wine
 
-# The folder with the tests' fixture library. What a suite does to the process, another would measure.
+# Runs in the folder with the tests' fixture library. Each suite has a process of its own, so that none measures what
+# another did to it.
 cd "$root/build/mingw-release/tests/run"
 for suite in Calls Bench MemoryOfDocument MemoryOfTransformation; do
     timeout 600 wine ../../bench/bench.exe --gtest_filter="$suite.*" </dev/null >"$root/build/bench.log" 2>&1 ||

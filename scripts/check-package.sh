@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes build/package/WriteMetadataFile-<version>-win64-check.zip, with which anyone proves the plug-in on their Windows,
+# Makes build/package/WriteMetadataFile-<version>-win64-check.zip, with which anyone can check the plug-in on Windows,
 # and runs it under Wine as they would: the tests that it runs are those that CTest knows, and all pass.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"

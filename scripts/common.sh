@@ -30,7 +30,7 @@ for argument; do
     fi
 done
 
-# at_exit COMMAND: runs COMMAND when the script ends, the last one given first.
+# at_exit COMMAND: runs COMMAND when the script ends; commands run in reverse order.
 exit_commands=()
 at_exit() {
     exit_commands=("$1" "${exit_commands[@]}")
@@ -44,7 +44,7 @@ run_exit_commands() {
 trap run_exit_commands EXIT
 trap 'printf "%s: line %d failed: %s\n" "${0##*/}" "$LINENO" "$BASH_COMMAND" >&2' ERR
 
-# install_packages PACKAGE…: installs those that are missing. Only root can; others are told what to do.
+# install_packages PACKAGE…: installs those that are missing; without root fails with the command that installs them.
 install_packages() {
     local package missing=()
     for package; do
@@ -85,7 +85,7 @@ start_wine() {
         echo "Preparing Wine"
         rm -rf "$WINEPREFIX"
         mkdir -p "$WINEPREFIX"
-        # Without the two modules nothing asks to be downloaded.
+        # Without these two modules Wine offers no downloads.
         WINEDLLOVERRIDES='mscoree,mshtml=' timeout 300 wineboot -i </dev/null >/dev/null 2>&1 ||
             fail "Wine cannot make its prefix $WINEPREFIX"
         # A program that crashes ends, instead of waiting for a debugger.
@@ -94,8 +94,8 @@ start_wine() {
         wineserver -k # writes the registry to disk
         touch "$WINEPREFIX/prepared"
     fi
-    # Wine's services and its desktop inherit what is open when they start, so they start with nothing that anyone
-    # waits for or writes anew. A server that is running already serves as well.
+    # Wine's services and its desktop inherit the files that are open when they start, so they start with none: a
+    # reader of such a pipe would wait for them, and such a file could not be replaced. A server may run already.
     wineserver -p </dev/null >/dev/null 2>&1 || true
     run_wine rundll32 user32.dll,MessageBeep </dev/null >/dev/null 2>&1 || fail "Wine does not start a program"
 }

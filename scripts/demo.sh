@@ -51,7 +51,7 @@ title_of() {
     echo "Hörprobe „${name//_/ }“"
 }
 
-# The last demo goes when all recordings of the new one are converted.
+# The last demo is removed when all recordings of the new one are converted.
 rm -rf "$demo.new"
 mkdir -p "$demo.new"
 for wav in "${recordings[@]}"; do

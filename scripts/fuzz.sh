@@ -5,7 +5,7 @@
 #   scripts/fuzz.sh [SECONDS]
 #
 # Each target runs for SECONDS, 60 unless given; as many run at a time as there are processors.
-# What inputs were found to be worth keeping stays in build/linux-asan/fuzz/corpus for the next run.
+# Inputs that reach new code are kept in build/linux-asan/fuzz/corpus for the next run.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 

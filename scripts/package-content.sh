@@ -1,7 +1,7 @@
 # What the package for users has to hold; to be sourced after common.sh.
 
-# check_package_content FOLDER VERSION: the unzipped package holds what ships and nothing else, says its version
-# everywhere alike, and no link of its pages leads nowhere.
+# check_package_content FOLDER VERSION: the unzipped package holds what ships and nothing else, has the same version
+# everywhere, and has no broken links in its pages.
 check_package_content() (
     cd "$1"
     local docs=(docs/{installing,settings,style-sheets,document,troubleshooting}.html docs/pages.css

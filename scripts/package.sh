@@ -25,7 +25,7 @@ make_package() {
     git -C "$root" archive HEAD | tar -x -C "$1"
     root=$1 build mingw-release WriteMetadataFile >&2
     (cd "$1/build" && cpack --config mingw-release/CPackConfig.cmake) >"$1.log" || fail "cpack failed, see $1.log"
-    # CPack takes files as the file system lists them, and notes down whose they are: packed anew without both.
+    # CPack keeps the file system's order and the files' owners: packed anew, sorted and without owners.
     zip=$(echo "$1"/build/*.zip)
     unzip -q "$zip" -d "$1/build/unzipped"
     rm "$zip"
@@ -63,7 +63,7 @@ xmllint --noout --schema docs/AudioMetadata.xsd music/song.xml
 convert "-xsltfile=\"$(windows_path "$user/XSLT/Html.xslt")\" -ext=\".html\""
 grep -q '>Packed<.*</html>' <(tr -d '\r\n' <music/song.html) || fail "the page lacks the title"
 
-# Last, so that there is a sum only for what was proved.
+# Last, so that only a package that passed has a sum.
 cd "$work"
 sha256sum "${zip##*/}" >"${zip##*/}.sha256"
 printf '\n%s\n%s bytes, SHA-256 %s, the same from both builds\n' "$zip" "$(stat -c %s "$zip")" \

@@ -26,7 +26,7 @@ failed=()
 # run_tests PRESET [CTEST-ARGUMENT…]: runs the chosen tests of a built preset, if it has any.
 run_tests() {
     local preset=$1 tests=(--test-dir "$root/build/$1" "${@:2}") count
-    # Tests wait for no input, and for Wine's own processes neither.
+    # Without input, so that no test and none of Wine's processes waits for it.
     count=$(ctest "${tests[@]}" -N </dev/null | sed -n 's/^Total Tests: //p')
     if ((count > 0)); then
         found=$((found + count))

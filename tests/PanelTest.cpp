@@ -56,8 +56,8 @@ public:
     std::wstring Read(int64_t mode) { return CALL_PLUGIN(DSP_RemoveConfigBit, plugin.Instance(), mode); }
 
     OwnedWindow host = MakeTopWindow();
-    CallStubs stubs;       // goes after the library that calls through them
-    PluginInstance plugin; // goes before its host window
+    CallStubs stubs;       // destroyed after the library that calls through them
+    PluginInstance plugin; // destroyed before its host window
 };
 
 TEST_F(Panel, HasItsControls) {

@@ -1,4 +1,4 @@
-# What the shipped library promises of itself: cmake -DLIBRARY=… -DOBJDUMP=… -DCONFIG=… -P check_library.cmake
+# Checks imports and flags of the shipped library: cmake -DLIBRARY=… -DOBJDUMP=… -DCONFIG=… -P check_library.cmake
 execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE dump COMMAND_ERROR_IS_FATAL ANY)
 
 function(expect_equal what actual expected)
@@ -46,7 +46,7 @@ if(NOT found OR count LESS 20)
     message(SEND_ERROR "${count} calls of the stack check's failure: '${found}'")
 endif()
 
-# What the library asks of the XML parser; not every parser minds another id in its place.
+# The ids that the library passes to the XML parser; some parsers would accept wrong ones.
 file(READ ${LIBRARY} bytes HEX)
 foreach(id IN ITEMS
     F6D90F11-9C73-11D3-B32E-00C04F990BB4 # the document's class

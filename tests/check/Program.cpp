@@ -10,7 +10,7 @@ constexpr DWORD kTimeLimit = 600'000; // ms
 
 /// Open for the program to write to and for us to read from.
 OwnedFile CreateOutput(const std::filesystem::path& temp) {
-    // Each run has a file of its own: what a program leaves running may hold on to it.
+    // Each run has a file of its own: a program that is left running may keep it open.
     static int count = 0;
     const std::filesystem::path path = temp / ("output-" + std::to_string(++count));
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};

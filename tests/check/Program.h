@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-/// What came of running a program.
+/// The result of running a program.
 struct ProgramRun {
     double seconds = 0;
     std::string problem;    ///< why it did not end by itself; empty when it did
@@ -13,7 +13,7 @@ struct ProgramRun {
     bool IsDone() const { return problem.empty() && exit == 0; }
 };
 
-/// Runs a program in `folder` and waits until it ends, or ends it and what it started after ten minutes. It
-/// reads nothing, and its output goes through a file in `temp` that does not outlive the call.
+/// Runs a program in `folder` and waits until it ends; after ten minutes ends it and the programs that it
+/// started. It has no input, and its output goes through a file in `temp` that is deleted before returning.
 ProgramRun RunProgram(const std::filesystem::path& program, const std::wstring& arguments,
                       const std::filesystem::path& folder, const std::filesystem::path& temp);

@@ -7,7 +7,7 @@
 /// The lines on the console and in check.log, and in the log, at its end, the whole output of what failed.
 class Report {
 public:
-    /// Without a log there is the console alone.
+    /// When the log cannot be written, lines go to the console alone.
     explicit Report(const std::filesystem::path& log);
 
     enum Result { kPassed, kFailed, kSkipped };

@@ -11,9 +11,8 @@
 #include <sstream>
 #include <vector>
 
-// Proves the plug-in on this machine: conversions through every style sheet, and every test in a process of
-// its own. What it needs lies in the folders beside its own, as the build and the package for the check lay
-// them out.
+// Checks the plug-in on this machine: conversions through every style sheet, and every test in a process of
+// its own. The build and the package for the check put what it needs into the folders beside its own.
 
 namespace {
 
@@ -66,7 +65,7 @@ void RemoveTree(const std::wstring& folder) {
     RemoveDirectoryW(folder.c_str());
 }
 
-/// The recording's document, and what each style sheet makes of it.
+/// The recording's document, and the result of each style sheet.
 void Convert(const fs::path& base, const fs::path& temp, Report& report) {
     for (const fs::directory_entry& entry : fs::directory_iterator(base / "recording")) {
         fs::copy_file(entry.path(), temp / entry.path().filename());

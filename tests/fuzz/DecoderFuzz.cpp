@@ -1,5 +1,5 @@
-// A sample decoder library, through its exports, on a file of any content that may be cut while it is read: a
-// list that it hands out must be whole.
+// A sample decoder library, through its exports, on a file of any content that may be cut while it is read:
+// the lists that it returns must be well formed.
 
 #include "decoders/DecoderRecords.h"
 #include "tests/fuzz/PlainDocument.h"
@@ -22,10 +22,10 @@ void RequireWhole(const void* list, int32_t size) {
     int64_t whole = sizeof count;
     for (const PlainEntry& entry : entries) {
         const size_t units = entry.name.size() + 1 + entry.value.size() + 1;
-        Require(entry.rawSize == 0 || entry.name == L"Picture", "a text that goes on behind its end");
+        Require(entry.rawSize == 0 || entry.name == L"Picture", "a text that continues after its end");
         whole += static_cast<int64_t>(sizeof(int32_t) + units * sizeof(wchar_t)) + entry.rawSize;
     }
-    Require(whole == size, "a text without its end, or bytes behind the last entry");
+    Require(whole == size, "a text without its end, or bytes after the last entry");
 }
 
 } // namespace

@@ -1,5 +1,4 @@
-// The document of a packed list of any content, in both encodings, against the one that the plainest code
-// makes.
+// The document of a packed list of any content, in both encodings, compared with that of the reference code.
 
 #include "metadata/Document.h"
 #include "support/Utf8.h"
@@ -11,13 +10,13 @@
 
 namespace {
 
-/// The line of `text` in which `at` lies.
+/// The line of `text` at index `at`.
 std::string LineAt(const std::string& text, size_t at) {
     const size_t begin = at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
     return text.substr(begin, text.find('\n', begin) - begin);
 }
 
-/// Ends the program, for the fuzzer to keep the input, unless the documents are the same.
+/// Ends the program, so that the fuzzer keeps the input, unless the documents are the same.
 void RequireSame(const std::string& actual, const std::string& expected, size_t ahead, size_t listSize) {
     if (actual == expected) {
         return;
@@ -28,7 +27,7 @@ void RequireSame(const std::string& actual, const std::string& expected, size_t 
         line += actual[at++] == '\n' ? 1 : 0;
     }
     std::fprintf(stderr,
-                 "wrong: line %zu of the document of a list of %zu bytes, behind %zu units\n"
+                 "wrong: line %zu of the document of a list of %zu bytes, after %zu units\n"
                  "  is         %s\n  instead of %s\n",
                  line, listSize, ahead, LineAt(actual, at).c_str(), LineAt(expected, at).c_str());
     std::abort();
@@ -36,8 +35,8 @@ void RequireSame(const std::string& actual, const std::string& expected, size_t 
 
 } // namespace
 
-/// The input: two bytes that say how much the writer holds beforehand, and the list, whose last bytes serve
-/// as an AudioInfo as well.
+/// The input: two bytes for how much the writer holds beforehand, then the list, whose last bytes serve as an
+/// AudioInfo as well.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     uint16_t ahead = 0;
     if (size < sizeof ahead) {

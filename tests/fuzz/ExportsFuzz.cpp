@@ -1,6 +1,6 @@
-// The library's exports, given random records, lists and texts. What comes back, above all the document, must
-// be what the plainest code makes of the same. No file exists, and what the library writes stays in memory:
-// the system would take a hundred times as long as the library.
+// The library's exports, given random records, lists and texts. Results, above all the document, must equal
+// those of the reference code. No file exists, and what the library writes stays in memory: the system would
+// take a hundred times as long as the library.
 //
 // Every round has a seed of its own; with FUZZ_SEED=n in the environment, that round runs alone.
 
@@ -15,14 +15,14 @@
 
 namespace {
 
-constexpr uint32_t kRounds = 57'000;       // of two records and two lists each, some of which are left out
-constexpr uint32_t kLeastHanded = 200'000; // of those that are not
+constexpr uint32_t kRounds = 57'000;       // of two records and two lists each, some of them null
+constexpr uint32_t kLeastHanded = 200'000; // records and lists that are not null
 constexpr uint32_t kRoundsPerLoad = 500;   // the trace's indentation grows for every file that is missing
 
-uint32_t seed = 0;   // of the round that is running
-uint32_t handed = 0; // records and lists that were there to be read
+uint32_t seed = 0;   // of the running round
+uint32_t handed = 0; // records and lists that were not null
 
-LONG WINAPI TellSeed(EXCEPTION_POINTERS* /*fault*/) {
+LONG WINAPI ReportSeed(EXCEPTION_POINTERS* /*fault*/) {
     std::fprintf(stderr, "faulted in the round of FUZZ_SEED=%u\n", seed);
     return EXCEPTION_CONTINUE_SEARCH;
 }
@@ -38,7 +38,7 @@ public:
         return bytes;
     }
 
-    /// Units that mean something to someone, now and then any others, and no zero.
+    /// Units that have a meaning somewhere, sometimes any others, and no zero.
     std::wstring Text() {
         constexpr wchar_t kUnits[] = L"aB7 -=\"#&'<>()/\\:._?*\r\n\t\x00E9\xD83D\xDE00\xFFFF";
         std::wstring text(Below(25), L'?');
@@ -71,7 +71,7 @@ private:
     std::mt19937 m_engine{seed};
 };
 
-/// One piece of what the host hands over, right before an inaccessible page.
+/// One block of the host's memory, right before an inaccessible page.
 class Handed {
 public:
     Handed() {
@@ -167,7 +167,7 @@ public:
     void CheckConversion(Random& random) {
         std::wstring ext = random.Text();
         std::erase(ext, L'"');
-        m_ext = ext.empty() ? m_ext : ext; // an empty one leaves the earlier
+        m_ext = ext.empty() ? m_ext : ext; // an empty option keeps the earlier value
         const std::wstring settings = L"-ext=\"" + ext + L"\"" + random.Text();
         EXPECT_EQ(CALL_PLUGIN(DSP_BeginConversion, m_instance, nullptr, m_text.Hold(settings), nullptr), 1);
         EXPECT_EQ(CALL_PLUGIN(DSP_EndConversion, m_instance), 1);
@@ -209,7 +209,7 @@ public:
     }
 
 private:
-    /// A list, now and then a broken one, as a record tells it; `list` is what is to be read of it.
+    /// A list as a record has it, pointer and size, sometimes unusable; `list` gets what must be read of it.
     static std::pair<const void*, uint32_t> HoldList(Random& random, Handed& held, PlainList& list) {
         const std::vector<uint8_t> bytes = random.List();
         const void* const data = held.Hold(bytes.data(), bytes.size());
@@ -228,15 +228,15 @@ private:
         return trace.ends_with(std::string(reinterpret_cast<const char*>(end.data()), 2 * end.size()));
     }
 
-    CallStubs m_stubs; // goes after the library that calls through them
+    CallStubs m_stubs; // destroyed after the library that calls through them
     LoadedPlugin m_library;
     clDSP_WriteMetadataFile* m_instance;
     std::wstring m_ext = L".xml";
     Handed m_text, m_convertedName, m_audioInfo, m_record, m_tags, m_properties;
 };
 
-TEST(Exports, AnswerAnythingAsThePlainestCodeDoes) {
-    SetUnhandledExceptionFilter(TellSeed);
+TEST(Exports, AgreeWithTheReferenceCodeOnRandomInput) {
+    SetUnhandledExceptionFilter(ReportSeed);
     const char* const oneSeed = std::getenv("FUZZ_SEED");
     const uint32_t first = oneSeed != nullptr ? static_cast<uint32_t>(std::atoi(oneSeed)) : 1;
     const uint32_t end = oneSeed != nullptr ? first + 1 : first + kRounds;

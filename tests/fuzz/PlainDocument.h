@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-// The document made in the plainest way: a list is read into strings of its own, which are named, escaped,
-// split and joined one at a time.
+// The reference code for the document, made for plainness alone: a list is read into strings of its own,
+// which are named, escaped, split and joined one at a time.
 
 struct PlainEntry {
     std::wstring name, value;
@@ -145,7 +145,7 @@ inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& conv
         number(L"\t\t", L"FileSize", file.info.fileSize);
         number(L"\t\t", L"FileLength", file.info.length);
         number(L"\t\t", L"FileBitrate", file.info.bitrate);
-        fact(L"FileCreated", L""); // no file is there to have times
+        fact(L"FileCreated", L""); // the file does not exist
         fact(L"FileModified", L"");
         fact(L"FileAccessed", L"");
         line(L"\t\t<AudioProperties>");

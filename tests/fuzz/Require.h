@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the program, for the fuzzer to keep the input, unless the condition holds.
+/// Ends the program, so that the fuzzer keeps the input, unless the condition holds.
 inline void Require(bool condition, const char* what) {
     if (!condition) {
         std::fprintf(stderr, "wrong: %s\n", what);

@@ -1,4 +1,4 @@
-// Settings text, and the paths in it: read as the plainest code reads it.
+// Settings texts and the paths in them, compared with reference code.
 
 #include "plugin/ParseOptions.h"
 #include "support/Paths.h"

@@ -1,4 +1,4 @@
-// The view of a wave format, against the plainest arithmetic.
+// What is read of a wave format, compared with plain arithmetic.
 
 #include "metadata/WaveFormat.h"
 #include "tests/fuzz/PlainDocument.h"

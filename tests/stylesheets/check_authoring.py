@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks what docs/style-sheets.md tells authors: its example, the script to try style sheets with, and traps.
+"""Checks what docs/style-sheets.md says to authors: its example, the script to try style sheets with, and traps.
 
 check_authoring.py WORK     ends with "N passed, N failed"; needs xsltproc, cmark-gfm, and Wine with its prefix
 """

@@ -44,10 +44,10 @@ LINE_ENDS = [
 
 
 def entry_line(name, value):
-    """The value's entries: it is cut at every CR."""
+    """The value's entries, one for each part between CRs."""
     element = re.sub(r"""[# &"'<>()/\\:]""", "", name)
     name, value = (saxutils.escape(text, {'"': "&quot;", "'": "&apos;"}) for text in (name, value))
-    return "".join(f'\t\t\t<{element} name="{name}">{piece}</{element}>\n' for piece in value.split("\r"))
+    return "".join(f'\t\t\t<{element} name="{name}">{part}</{element}>\n' for part in value.split("\r"))
 
 
 def with_line_ends(text, end):

@@ -17,7 +17,7 @@ public:
     uint64_t Size() const noexcept { return m_size; }
 
     /// Copies `size` bytes from `offset`; false when they are not all there. Small reads are served from a
-    /// window of the file, so that walking over many small pieces costs few system calls.
+    /// window of the file, so that many small reads cost few system calls.
     bool ReadAt(uint64_t offset, void* out, size_t size);
 
 private:
@@ -29,8 +29,8 @@ private:
     uint64_t m_windowOffset = 0;
 };
 
-/// A stretch of a file, read from front to back. Sizes found in the file can be asked for as they stand: a
-/// read that would leave the stretch fails before anything is allocated, and takes nothing.
+/// A section of a file, read from front to back. Sizes found in the file can be used unchecked: a read that
+/// would go beyond the section fails before anything is allocated, and the position stays.
 /// The file must outlive it.
 class Section {
 public:
@@ -58,7 +58,7 @@ public:
     /// Splits off the next `size` bytes, or all that are left.
     Section Take(uint64_t size) noexcept;
 
-    /// Passes over `size` bytes, or over all that are left.
+    /// Skips `size` bytes, or all that are left.
     void Skip(uint64_t size) noexcept { Take(size); }
 
 private:

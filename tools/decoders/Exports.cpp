@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-// The nine exports of a sample decoder library (Decoder.def). No exception leaves the library: whatever goes
-// wrong is told by a null instance or the result 0.
+// The nine exports of a sample decoder library (Decoder.def). No exception leaves the library: failures are
+// reported by a null instance or the result 0.
 
 namespace {
 
@@ -42,7 +42,7 @@ private:
         return m_handedOut.back();
     }
 
-    // Every list that a caller was given: the callers may look at them until Destroy.
+    // Every list that a caller was given: they stay valid until Destroy.
     std::vector<std::vector<uint8_t>> m_handedOut;
 };
 
@@ -50,7 +50,7 @@ private:
 
 extern "C" {
 
-/// The context tells which instance of the plug-in is asking; these libraries have no use for it.
+/// The context identifies the instance of the plug-in that calls; these libraries do not use it.
 void* Create(void* /*context*/) {
     return new (std::nothrow) Decoder;
 }

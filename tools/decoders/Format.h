@@ -9,8 +9,8 @@
 // What one decoder library knows about its file format. The exports, which are the same in all libraries, are
 // written against these two functions; each library links one file that defines them.
 
-/// What a file tells about itself. The sample libraries report the bitrate in kbit/s (1000 bits), the length
-/// in milliseconds and the file size in bytes.
+/// What is read from a file. The sample libraries report the bitrate in kbit/s (1000 bits), the length in
+/// milliseconds and the file size in bytes.
 struct AudioFacts {
     AudioInfo info = {};
     TagListBuilder tags;
@@ -22,6 +22,6 @@ const wchar_t* FormatExtension(uint32_t index) noexcept;
 
 /// Fills the members of `facts` that `openFlags` (OpenFlags, any number of them) ask for; others may be
 /// filled, too. The content of the file may be anything. False when it is not of this format or ends before
-/// its audio format is told; after that point a damaged or cut file gives what could be read. Throws
+/// its audio format is known; after that point a damaged or cut file gives what could be read. Throws
 /// std::bad_alloc.
 bool ReadFormat(BoundedFile& file, uint32_t openFlags, AudioFacts& facts);

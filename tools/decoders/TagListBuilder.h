@@ -9,11 +9,11 @@
 /// Collects names and values and packs them into one tag list (decoders/DecoderRecords.h).
 ///
 /// Texts end at their first zero unit, because that is how the list marks their ends. What would make the
-/// list larger than its signed 32-bit size can tell is left out.
+/// list larger than its signed 32-bit size can express is left out.
 class TagListBuilder {
 public:
     /// Adds a text entry. A name that was added before, in whatever case of its ASCII letters, keeps its
-    /// place and first spelling, and the value joins the earlier ones behind a CR.
+    /// place and first spelling, and the value is appended to the earlier ones after a CR.
     void Add(std::wstring_view name, std::wstring_view value);
 
     /// Adds an entry of its own with binary content, which must not be empty: an entry without any counts as
@@ -34,7 +34,7 @@ private:
     bool TakeRoom(size_t bytes) noexcept;
 
     std::vector<Entry> m_entries;
-    // A tree, not a hash table: no choice of names by the file makes it slow.
+    // A tree, not a hash table: no names in a file can make it slow.
     std::map<std::wstring, size_t> m_indexByFoldedName;
     size_t m_packedSize = sizeof(int32_t);
 };

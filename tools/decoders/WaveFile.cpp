@@ -33,7 +33,7 @@ bool ReadWaveFile(BoundedFile& file, WaveFile& out) {
         !rest.ReadLittle(form) || form != RiffId("WAVE")) {
         return false;
     }
-    const uint64_t toldEnd = rest.Offset() - sizeof form + riffSize;
+    const uint64_t riffEnd = rest.Offset() - sizeof form + riffSize;
 
     bool hasFormat = false;
     bool hasAudio = false;
@@ -41,7 +41,7 @@ bool ReadWaveFile(BoundedFile& file, WaveFile& out) {
     uint32_t size = 0;
     while (rest.ReadLittle(id) && rest.ReadLittle(size)) {
         if (id == RiffId("data") && !hasAudio) {
-            const bool unfinished = size == kUnknownSize || (size == 0 && toldEnd <= rest.Offset());
+            const bool unfinished = size == kUnknownSize || (size == 0 && riffEnd <= rest.Offset());
             Section audio = rest.Take(unfinished ? rest.Left() : size);
             out.audioOffset = audio.Offset();
             out.audioSize = audio.Left();

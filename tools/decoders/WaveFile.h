@@ -23,8 +23,8 @@ constexpr uint32_t RiffId(const char (&text)[5]) noexcept {
     return id;
 }
 
-/// Walks over the chunks up to the end of the file, whatever size the RIFF header tells. The first format and
-/// the first audio chunk count. A chunk larger than what is left is cut; an audio chunk that a recorder never
-/// came back to close (size 0xFFFFFFFF, or 0 although the header does not tell of anything behind it) runs to
-/// the end of the file. False when the file is not RIFF/WAVE or has no format.
+/// Reads the chunks up to the end of the file, whatever size the RIFF header states. The first format and the
+/// first audio chunk count. A chunk larger than what is left is cut; an audio chunk whose size was never
+/// filled in (0xFFFFFFFF, or 0 when by the RIFF header nothing follows it) extends to the end of the file.
+/// False when the file is not RIFF/WAVE or has no format.
 bool ReadWaveFile(BoundedFile& file, WaveFile& out);

@@ -5,11 +5,11 @@
 // Output of the program in UTF-8 with lines ended by LF alone, so that it reads well in terminals of either
 // system. A last line end is added where there is none.
 
-/// All pieces, zero-terminated texts and XStrings, one after the other.
-template<class... Pieces>
-XString Concat(const Pieces&... pieces) {
+/// All parts, zero-terminated texts and XStrings, one after the other.
+template<class... Parts>
+XString Concat(const Parts&... parts) {
     XString text;
-    (text.Append(pieces), ...);
+    (text.Append(parts), ...);
     return text;
 }
 

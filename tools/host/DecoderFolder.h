@@ -4,7 +4,7 @@
 #include "support/ByteBuffer.h"
 #include "support/XString.h"
 
-/// What a decoder library tells the converter about a file.
+/// What a decoder library reports to the converter about a file.
 struct DecoderReport {
     AudioInfo audioInfo = {};
     ByteBuffer idTags;          ///< packed tag list, or empty

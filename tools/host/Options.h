@@ -21,5 +21,5 @@ extern const wchar_t* const kHelp;
 /// The process's arguments, without the program (CommandLineToArgvW).
 XStringList CommandLineArguments();
 
-/// Reads the arguments into `options`. The result is empty, or tells what is wrong with them.
+/// Reads the arguments into `options`. The result is empty, or says what is wrong with them.
 XString ParseArguments(const XStringList& arguments, Options& options);

@@ -5,5 +5,5 @@
 
 /// Shows the plug-in's settings panel in a window with the host's own OK and Cancel buttons, filled from
 /// `settings`, and waits for the user. True when the user confirmed: `settings` is then the new text. False
-/// when the user cancelled, or when there is nothing to show, which an error line tells.
+/// when the user cancelled, or, after an error line, when there is nothing to show.
 bool ShowPanel(const PluginInstance& instance, XString& settings);

@@ -3,9 +3,9 @@
 #include "decoders/XDLL.h"
 #include "plugin/Exports.h"
 
-/// A plug-in library as the converter sees it: the module and its exports. plugin/Exports.h tells what each
+/// A plug-in library as the converter sees it: the module and its exports. plugin/Exports.h says what each
 /// one does and in what order they are called. The members are null until `Load` succeeds; pointers and
-/// instances must not be used after the library's end.
+/// instances must not be used after the library is destroyed.
 class PluginLibrary {
 public:
     /// Loads the library (LoadLibraryW) and binds its exports, once. False when it cannot be loaded or lacks

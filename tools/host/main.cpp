@@ -89,7 +89,7 @@ int main() {
     Options options;
     const XString problem = ParseArguments(CommandLineArguments(), options);
     if (!problem.IsEmpty()) {
-        PrintError(Concat(L"dsphost: ", problem, L" (--help tells more)"));
+        PrintError(Concat(L"dsphost: ", problem, L" (--help shows more)"));
         return kWrongArguments;
     }
     if (options.help) {

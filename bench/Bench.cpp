@@ -185,22 +185,22 @@ TEST_F(Bench, TypicalConversion) {
     PrintTableHead();
     SetTypical();
     const std::string ready = Document();
-    std::vector<std::string_view> pieces; // each line and its end
+    std::vector<std::string_view> writes; // each line and its end
     for (std::string_view rest = ready; !rest.empty();) {
         const size_t size = rest.find("\r\n");
-        pieces.push_back(rest.substr(0, size));
-        pieces.push_back(rest.substr(size, 2));
+        writes.push_back(rest.substr(0, size));
+        writes.push_back(rest.substr(size, 2));
         rest.remove_prefix(size + 2);
     }
     const auto writeLines = [&](HANDLE file) {
-        for (const std::string_view piece : pieces) {
-            Write(file, piece);
+        for (const std::string_view bytes : writes) {
+            Write(file, bytes);
         }
     };
     const Rounds rounds({[&] { Convert(); }, [&] { m_bare.Run(writeLines); },
                          [&] { m_bare.Run([&](HANDLE file) { Write(file, ready); }); }},
                         kSecondsPerCase);
-    PrintRow("typical conversion", "bare calls, ready text in " + std::to_string(pieces.size()) + " writes",
+    PrintRow("typical conversion", "bare calls, ready text in " + std::to_string(writes.size()) + " writes",
              rounds, 1, 1.00);
     PrintRow("typical conversion", "bare calls, ready text in one write", rounds, 2, kNoGoal);
 }

@@ -24,13 +24,13 @@ bool XFile::Write(const void* data, size_t count) noexcept {
     constexpr size_t kLargestWrite = size_t{1} << 30; // one call counts in 32 bits
     const char* rest = static_cast<const char*>(data);
     while (count != 0) {
-        const DWORD piece = static_cast<DWORD>(std::min(count, kLargestWrite));
+        const DWORD part = static_cast<DWORD>(std::min(count, kLargestWrite));
         DWORD written = 0;
-        if (!WriteFile(m_file.Get(), rest, piece, &written, nullptr) || written != piece) {
+        if (!WriteFile(m_file.Get(), rest, part, &written, nullptr) || written != part) {
             return false;
         }
-        rest += piece;
-        count -= piece;
+        rest += part;
+        count -= part;
     }
     return true;
 }

@@ -17,7 +17,7 @@ rm -rf "$work" "$zip"
 # The folders lie as in the build: the programs of the tests find the library and the tools by relative paths.
 mkdir -p "$work/pack/recording"
 cd "$work/pack"
-cp "$root/tests/check/check.cmd" .
+cp "$root/tools/check/check.cmd" .
 (cd "$build" && cp --parents -r dist tests/check.exe tests/run tools/dsphost.exe tools/decoder "$work/pack")
 cp /usr/share/sounds/alsa/Front_Center.wav recording/speech.wav
 flac --silent --output-name recording/speech.flac --tag 'TITLE=Front centre' --tag 'ARTIST=Zoë Ångström' \

@@ -1,4 +1,4 @@
-#include "tests/check/SystemFacts.h"
+#include "tools/check/SystemFacts.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "tests/check/Report.h"
+#include "tools/check/Report.h"
 
 #include <cstdio>
 

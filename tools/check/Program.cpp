@@ -1,4 +1,4 @@
-#include "tests/check/Program.h"
+#include "tools/check/Program.h"
 
 #include "support/Owner.h"
 

@@ -2,7 +2,7 @@
 
 #include "support/Owner.h"
 
-#include "tests/check/Program.h"
+#include "tools/check/Program.h"
 
 /// The lines on the console and in check.log, and in the log, at its end, the whole output of what failed.
 class Report {

@@ -1,4 +1,4 @@
-#include "tests/check/SavedCache.h"
+#include "tools/check/SavedCache.h"
 
 #include "support/Owner.h"
 

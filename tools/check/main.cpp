@@ -1,8 +1,8 @@
 #include "support/Owner.h"
-#include "tests/check/Program.h"
-#include "tests/check/Report.h"
-#include "tests/check/SavedCache.h"
-#include "tests/check/SystemFacts.h"
+#include "tools/check/Program.h"
+#include "tools/check/Report.h"
+#include "tools/check/SavedCache.h"
+#include "tools/check/SystemFacts.h"
 
 #include <algorithm>
 #include <atomic>

@@ -73,7 +73,7 @@ void Convert(const fs::path& base, const fs::path& temp, Report& report) {
     const auto convert = [&](const std::string& name, const std::wstring& settings) {
         const ProgramRun run =
             RunProgram(base / "tools" / "dsphost.exe",
-                       L"speech.wav speech.flac --settings \"" + settings + L"\"", temp, temp);
+                       L"tone.wav tone.flac --settings \"" + settings + L"\"", temp, temp);
         report.Add(run.IsDone() ? Report::kPassed : Report::kFailed, "dsphost " + name, run);
     };
     convert("document", L"");

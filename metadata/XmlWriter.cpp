@@ -50,20 +50,15 @@ size_t EscapeUnit(wchar_t unit, std::span<wchar_t> out) noexcept {
 /// Returns the number of units stored.
 size_t EscapeXmlText(Utf16View text, std::span<wchar_t> out) noexcept {
     size_t size = 0;
-    size_t index = 0;
-    while (index < text.Size()) {
-        size_t end = text.Size();
-        if (end - index >= UnitBlock::kSize) {
-            const UnitBlock block = text.BlockAt(index);
-            if (!block.HasMarkup()) {
-                block.Store(out.subspan(size).first<UnitBlock::kSize>());
-                index += UnitBlock::kSize;
-                size += UnitBlock::kSize;
-                continue;
-            }
-            end = index + UnitBlock::kSize;
+    for (size_t index = 0; index < text.Size();) {
+        const size_t rest = text.Size() - index;
+        if (rest >= UnitBlock::kSize && !text.BlockAt(index).HasMarkup()) {
+            text.BlockAt(index).Store(out.subspan(size).first<UnitBlock::kSize>());
+            index += UnitBlock::kSize;
+            size += UnitBlock::kSize;
+            continue;
         }
-        for (; index < end; ++index) {
+        for (const size_t end = index + std::min(rest, UnitBlock::kSize); index < end; ++index) {
             size += EscapeUnit(text[index], out.subspan(size));
         }
     }

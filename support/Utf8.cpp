@@ -2,6 +2,7 @@
 
 #include "support/UnitBlock.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -16,15 +17,18 @@ constexpr char Tail(uint32_t bits) noexcept {
     return static_cast<char>(0x80 | (bits & 0x3F));
 }
 
-/// The one or two bytes of each character below U+0800.
+/// The one or two bytes of a character below U+0800.
 using ShortForm = std::array<char, 2>;
-constexpr std::array<ShortForm, 0x800> kShortForms = [] {
-    std::array<ShortForm, 0x800> forms{};
+using ShortForms = std::array<ShortForm, 0x800>;
+
+constexpr ShortForms MakeShortForms() noexcept {
+    ShortForms forms{};
     for (uint32_t c = 0; c < forms.size(); ++c) {
         forms[c] = c < 0x80 ? ShortForm{static_cast<char>(c)} : ShortForm{Lead(0xC0, c >> 6), Tail(c)};
     }
     return forms;
-}();
+}
+constexpr ShortForms kShortForms = MakeShortForms();
 
 /// Encodes the character at `index`, moves `index` past it, and returns the number of bytes.
 size_t EncodeCharacter(std::wstring_view text, size_t& index, std::span<char> out) noexcept {
@@ -55,20 +59,18 @@ size_t EncodeCharacter(std::wstring_view text, size_t& index, std::span<char> ou
 
 size_t EncodeUtf8(std::wstring_view text, std::span<char> out) noexcept {
     size_t size = 0;
-    size_t index = 0;
-    while (index < text.size()) {
-        size_t end = text.size();
-        if (end - index >= UnitBlock::kSize) {
-            const UnitBlock block(text.data() + index);
+    for (size_t index = 0; index < text.size();) {
+        const size_t rest = text.size() - index;
+        if (rest >= UnitBlock::kSize) {
+            const UnitBlock block(&text[index]);
             if (block.IsAscii()) {
                 block.StoreAsBytes(out.subspan(size).first<UnitBlock::kSize>());
                 index += UnitBlock::kSize;
                 size += UnitBlock::kSize;
                 continue;
             }
-            end = index + UnitBlock::kSize;
         }
-        while (index < end) {
+        for (const size_t end = index + std::min(rest, UnitBlock::kSize); index < end;) {
             size += EncodeCharacter(text, index, out.subspan(size));
         }
     }

@@ -71,9 +71,8 @@ void Convert(const fs::path& base, const fs::path& temp, Report& report) {
         fs::copy_file(entry.path(), temp / entry.path().filename());
     }
     const auto convert = [&](const std::string& name, const std::wstring& settings) {
-        const ProgramRun run =
-            RunProgram(base / "tools" / "dsphost.exe",
-                       L"tone.wav tone.flac --settings \"" + settings + L"\"", temp, temp);
+        const ProgramRun run = RunProgram(base / "tools" / "dsphost.exe",
+                                          L"tone.wav tone.flac --settings \"" + settings + L"\"", temp, temp);
         report.Add(run.IsDone() ? Report::kPassed : Report::kFailed, "dsphost " + name, run);
     };
     convert("document", L"");

@@ -53,7 +53,7 @@ void RemoveTree(const std::wstring& folder) {
     OwnedFind search(FindFirstFileW((folder + L"\\*").c_str(), &entry));
     for (bool found = search.IsValid(); found; found = FindNextFileW(search.Get(), &entry)) {
         const std::wstring name = entry.cFileName;
-        const std::wstring path = folder + L"\\" + name;
+        const std::wstring path = std::wstring(folder).append(L"\\").append(name);
         if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
             SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL); // may be read-only
             DeleteFileW(path.c_str());

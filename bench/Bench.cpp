@@ -62,7 +62,7 @@ protected:
         m_bare.output = folder + L"bare.xml";
         m_bare.decoderPattern = Decoders::PathOf(L"*.dll");
     }
-    ~Bench() override { CALL_PLUGIN(DSP_Destroy, m_instance); }
+    void TearDown() override { CALL_PLUGIN(DSP_Destroy, m_instance); }
 
     /// A conversion with many tags and properties, a decoder library for both files.
     void SetTypical() {

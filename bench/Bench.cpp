@@ -264,7 +264,8 @@ TEST_F(MemoryOfTransformation, OfManyTags) {
 }
 
 /// Milliseconds: style sheets have no yardstick.
-TEST_F(Bench, StyleSheets) {
+using Transformations = Bench;
+TEST_F(Transformations, OfEverySheet) {
     std::printf("\n| style sheet | ms, 100 tags | ms, 10,000 tags |\n|:------------|---:|---:|\n");
     for (const std::filesystem::path& sheet : StyleSheets()) {
         std::printf("| %s |", sheet.filename().string().c_str());

@@ -13,7 +13,7 @@ start_wine wine
 # Runs in the folder with the tests' fixture library. Each suite has a process of its own, so that none measures what
 # another did to it.
 cd "$root/build/mingw-release/tests/run"
-for suite in Calls Bench MemoryOfDocument MemoryOfTransformation; do
+for suite in Calls Bench MemoryOfDocument MemoryOfTransformation Transformations; do
     timeout 600 wine ../../bench/bench.exe --gtest_filter="$suite.*" </dev/null >"$root/build/bench.log" 2>&1 ||
         { cat "$root/build/bench.log"; fail "$suite failed"; }
     grep -E '^\||^$' "$root/build/bench.log" || true

@@ -35,8 +35,8 @@ const std::string kMemory = "memory";
 const std::string kCannotFail =
     " CloseHandle CoUninitialize DeleteObject DestroyIcon DestroyWindow EndPaint "
     "EnterCriticalSection FindClose free FreeLibrary GlobalUnlock LeaveCriticalSection "
-    "memcpy memmove memset RegCloseKey ReleaseDC ReleaseMutex ShowWindow strlen "
-    "SysFreeString TlsGetValue VariantClear ";
+    "memcpy memmove memset RegCloseKey release document release template ReleaseDC ReleaseMutex "
+    "ShowWindow strlen SysFreeString TlsGetValue VariantClear ";
 
 /// Calls that must come in equal numbers.
 const std::pair<std::string, std::string> kPairs[] = {{"GetDC", "ReleaseDC"},
@@ -82,6 +82,24 @@ struct Heap {
     }
 };
 
+/// The calls that release documents and templates of the XML parser; none may come after COM was left.
+struct Releases {
+    inline static const CallStubs* stubs = nullptr;
+    inline static uint64_t beforeLeaving = 0;
+
+    static uint64_t Count() {
+        uint64_t count = 0;
+        for (const CallStub& stub : *stubs) {
+            count += stub.name.starts_with("release ") ? stub.calls : 0;
+        }
+        return count;
+    }
+    static void WINAPI LeaveCom() {
+        beforeLeaving = Count();
+        CoUninitialize();
+    }
+};
+
 /// Runs the work on a new thread. Not on a std::thread: when it and its creator wait for the same lock of the
 /// runtime, the runtime makes an event for that lock and keeps it, which looks like a leaked handle.
 template<class Work>
@@ -102,6 +120,8 @@ protected:
         stubs["calloc"].target = reinterpret_cast<void*>(Heap::TakeZeroed);
         stubs["realloc"].target = reinterpret_cast<void*>(Heap::TakeAgain);
         stubs["free"].target = reinterpret_cast<void*>(Heap::Give);
+        stubs["CoUninitialize"].target = reinterpret_cast<void*>(Releases::LeaveCom);
+        Releases::stubs = &stubs;
     }
 
     /// Runs a round in which that call fails, 0 for none. The counts of the calls can be read afterwards.
@@ -111,9 +131,11 @@ protected:
         CallStub& stub = stubs[failure.function];
         Heap::EndAt(failure.function == kMemory ? call : 0);
         stub.FailAt(call, failure.answer, failure.lastError);
+        Releases::beforeLeaving = 0;
         const std::string result = round();
         stub.FailAt(0, 0, 0);
         Heap::EndAt(0);
+        EXPECT_EQ(Releases::Count(), Releases::beforeLeaving) << failure.function << call;
         return result;
     }
 
@@ -353,11 +375,11 @@ protected:
             const char* name;
             void* object;
             size_t method;
-        } methods[] = {{"query document", xml, 0},     {"load", freeThreaded, 58},
-                       {"parseError", xml, 60},        {"loadXML", xml, 65},
-                       {"query template", sheets, 0},  {"putref_stylesheet", sheets, 7},
-                       {"createProcessor", sheets, 9}, {"put_output", processor, 13},
-                       {"transform", processor, 15},   {"reason", parseError, 9}};
+        } methods[] = {
+            {"release document", xml, 2},  {"release template", sheets, 2},  {"query document", xml, 0},
+            {"load", freeThreaded, 58},    {"parseError", xml, 60},          {"loadXML", xml, 65},
+            {"query template", sheets, 0}, {"putref_stylesheet", sheets, 7}, {"createProcessor", sheets, 9},
+            {"put_output", processor, 13}, {"transform", processor, 15},     {"reason", parseError, 9}};
         for (const auto& row : methods) {
             stubs.AddMethod(row.name, row.object, row.method, module);
         }
@@ -423,6 +445,7 @@ TEST_F(FailingParser, WithABrokenStyleSheet) {
          {std::pair{"parseError", reported}, std::pair{"reason", std::string()}}) {
         EXPECT_EQ(Play(round, {method, E_FAIL, 0, {}}, 1),
                   "kept; Loading XSL failed; Error loading XSLT file: " + known);
+        EXPECT_GE(Releases::Count(), 3u) << "two documents, a template";
     }
 }
 

@@ -1,9 +1,6 @@
-#include "tests/CallStubs.h"
 #include "tests/ConversionFixture.h"
 
 #include <objbase.h>
-
-#include <tuple>
 
 namespace {
 
@@ -82,58 +79,6 @@ TEST_F(TransformTest, LeavesTheThreadsOtherApartmentAsBefore) {
     EXPECT_TRUE(errors.empty() || !RunsUnderWine()) << errors;
     CoUninitialize();
     EXPECT_EQ(CoInitialize(nullptr), S_OK) << "one of the two was undone by the transformation";
-    CoUninitialize();
-}
-
-/// How often the plug-in released a document or a template of the parser.
-struct Releases {
-    static uint64_t Count() {
-        return (*stubs)["release document"].calls + (*stubs)["release template"].calls;
-    }
-    static void WINAPI LeaveCom() {
-        beforeLeaving = Count();
-        CoUninitialize();
-    }
-
-    inline static CallStubs* stubs = nullptr;
-    inline static uint64_t beforeLeaving = 0;
-};
-
-TEST_F(TransformTest, ReleasesItsObjectsBeforeItLeavesCom) {
-    CoInitialize(nullptr);
-    CallStubs& stubs = *new CallStubs; // never freed: the parser calls through them until the end
-    Releases::stubs = &stubs;
-    const HMODULE module = GetModuleHandleW(L"WriteMetadataFile.dll");
-    stubs.AddImports(module);
-    stubs["CoUninitialize"].target = reinterpret_cast<void*>(Releases::LeaveCom);
-    for (const auto& [name, classText, interfaceText] :
-         {std::tuple{"release document", L"{F6D90F11-9C73-11D3-B32E-00C04F990BB4}",
-                     L"{2933BF81-7B36-11D2-B20E-00C04F983E60}"},
-          std::tuple{"release template", L"{2933BF94-7B36-11D2-B20E-00C04F983E60}",
-                     L"{2933BF93-7B36-11D2-B20E-00C04F983E60}"}}) {
-        GUID classId = {};
-        GUID interfaceId = {};
-        void* object = nullptr;
-        CLSIDFromString(classText, &classId);
-        CLSIDFromString(interfaceText, &interfaceId);
-        ASSERT_EQ(CoCreateInstance(classId, nullptr, CLSCTX_ALL, interfaceId, &object), S_OK);
-        stubs.AddMethod(name, object, 2, module);
-    }
-    const struct {
-        std::wstring styleSheet;
-        uint64_t failingCreation;
-        std::wstring error; // what the first error line begins with
-    } rows[] = {{sheet, 0, L""}, {source, 0, L"Loading XSL failed"}, {sheet, 3, L"Unexpected MS XML error"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.error);
-        stubs.CountAnew();
-        stubs["CoCreateInstance"].FailAt(row.failingCreation, REGDB_E_CLASSNOTREG, 0);
-        sheet = row.styleSheet;
-        EXPECT_TRUE(Transform().starts_with(row.error));
-        EXPECT_EQ(stubs["CoUninitialize"].calls, 1u);
-        EXPECT_GT(Releases::beforeLeaving, 0u);
-        EXPECT_EQ(Releases::Count(), Releases::beforeLeaving);
-    }
     CoUninitialize();
 }
 

@@ -1,4 +1,4 @@
-"""Sample documents: speech.xml and nasty.xml of this folder, and others made of them."""
+"""Sample documents: the .xml files of this folder, and others made of them."""
 import re
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
@@ -19,30 +19,6 @@ FACTS = tuple(name for name in schema_elements("File") if name.startswith("File"
 NUMBERS = tuple(name for name, kind in schema_elements("File").items() if "igned" in kind)
 
 
-# Tags with line breaks, as their file has them, and the values that a reader of the document gets from each.
-LINE_ENDS = [
-    ("LYRICS", "line1\r\nline2\r\n\r\nline4", ["line1\nline2\n\nline4"]),
-    ("lyrics", "\nnot the tag before it", ["\nnot the tag before it"]),
-    ("LAST", "one\r\ntwo\r\n\r\n", ["one\ntwo\n\n"]),
-    ("FIRST", "\r\n\r\none", ["\n\none"]),
-    ("UNIX", "one\n\ntwo\rthree", ["one\n\ntwo", "three"]),
-    ("SEVERAL", "1\r\nand a half\r\n\r2\r\r3\r\n\r\n.", ["1\nand a half\n", "2", "", "3\n\n."]),
-    ("NONE", "one\r\rthree\r\r", ["one", "", "three", "", ""]),
-    ("NONE AGAIN", "\r\r", ["", "", ""]),
-    ("FAR", "one" + "\r\n" * 9 + "two", ["one" + "\n" * 9 + "two"]),
-    # Entries of one name that do not stand side by side.
-    ("APART", "one\r", ["one", "", "\ntwo\nthree\n"]),
-    ("BETWEEN", "x", ["x"]),
-    ("APART", "\r\ntwo\r\nthree\r\n", []),
-    ("PARTED", "one\r\ntwo", ["one\ntwo", "", "", "three"]),
-    ("BETWEEN", "y", ["y"]),
-    ("PARTED", "\r\rthree", []),
-    ("DIVIDED", "one\r", ["one", "", "\ntwo"]),
-    ("BETWEEN", "z", ["z"]),
-    ("DIVIDED", "\ntwo", []),
-]
-
-
 def entry_line(name, value):
     """The value's entries, one for each part between CRs."""
     element = re.sub(r"""[# &"'<>()/\\:]""", "", name)
@@ -57,8 +33,8 @@ def with_line_ends(text, end):
 
 def samples():
     """Documents by name, their lines ended by LF."""
-    speech = Path(__file__).with_name("speech.xml").read_text("utf-8")
-    nasty = Path(__file__).with_name("nasty.xml").read_text("utf-8")
+    speech, nasty, lines = (Path(__file__).with_name(f"{name}.xml").read_text("utf-8")
+                            for name in ("speech", "nasty", "lines"))
     bare = re.sub(r"(?s)(<(AudioProperties|IDTags)>\n).*?(\t*</\2>)", r"\1\3", speech)
     lyrics = "".join(f'{i}: "so" weit = so gut; #{i} \\ \U0001d11e\n' for i in range(3000)) + "\u6b4c"
     windows = "text\r\n\r\n" * 5000 + "\r\n" * 5000
@@ -82,4 +58,4 @@ def samples():
             "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
                                        FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
             "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
-            "long": tagged(*tags), "lines": tagged(*((name, text) for name, text, _ in LINE_ENDS))}
+            "long": tagged(*tags), "lines": lines}

@@ -15,18 +15,15 @@ size_t Count(const std::string& text, const std::string& what) {
 
 // Expected texts lie in tests/data, with "@…@" where a run has its own folder and times.
 std::string Expected(const wchar_t* file, const std::map<std::string, std::string>& run) {
-    const std::string pattern = ReadBytes(std::wstring(L"data\\") + file);
-    std::string text;
-    for (size_t at = 0; at < pattern.size(); ++at) {
-        if (pattern[at] == '\n') {
-            text += "\r\n";
-        } else if (pattern[at] == '@') {
-            const size_t end = pattern.find('@', at + 1);
-            text += run.at(pattern.substr(at + 1, end - at - 1));
-            at = end;
-        } else {
-            text += pattern[at];
+    std::string text = ReadBytes(std::wstring(L"data\\") + file);
+    const auto replace = [&text](const std::string& what, const std::string& with) {
+        for (size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+            text.replace(at, what.size(), with);
         }
+    };
+    replace("\n", "\r\n");
+    for (const auto& [name, value] : run) {
+        replace("@" + name + "@", value);
     }
     return text;
 }
@@ -50,7 +47,11 @@ TEST_F(ConversionTest, WritesTheWholeDocumentAndTrace) {
         {"SOURCE CREATED", hasCreation ? "2024-03-07T12:05:08" : "2024-03-07T13:05:08"},
         {"CONVERTED CREATED", hasCreation ? "1999-12-31T22:59:58" : "1999-12-31T23:59:58"},
         {"TAG BYTES", std::to_string(library.idTags.size())}};
-    decoders.WriteCallsTo(plugin.TraceHandle());
+    decoders.onCall = [this](const std::wstring& call) {
+        const std::wstring line = call + L"\r\n";
+        DWORD written = 0;
+        WriteFile(plugin.TraceHandle(), line.data(), static_cast<DWORD>(line.size() * 2), &written, nullptr);
+    };
     const std::wstring trace = Convert();
     EXPECT_EQ(ReadBytes(document), Expected(L"document.xml", run));
     run["FOLDER"] = PlainUtf8(folder);
@@ -77,10 +78,12 @@ TEST_F(ConversionTest, CallsTheDecoderLibrariesInOrder) {
 
 TEST_F(ConversionTest, RunsWithoutTheSystemsErrorBoxes) {
     const DWORD before = GetThreadErrorMode();
+    DWORD during = 0;
+    decoders.onCall = [&during](const std::wstring&) { during = GetThreadErrorMode(); };
     for (const DWORD mode : {DWORD{0}, DWORD{SEM_NOGPFAULTERRORBOX}, DWORD{SEM_FAILCRITICALERRORS}}) {
         SetThreadErrorMode(mode, nullptr);
         Convert();
-        EXPECT_EQ(decoders.ErrorMode(), mode | SEM_FAILCRITICALERRORS);
+        EXPECT_EQ(during, mode | SEM_FAILCRITICALERRORS);
         EXPECT_EQ(GetThreadErrorMode(), mode);
     }
     SetThreadErrorMode(before, nullptr);
@@ -141,6 +144,40 @@ TEST_F(ConversionTest, ReaderFailuresLeaveTheRestOfTheDocument) {
     }
 }
 
+TEST_F(ConversionTest, WhatTheHostDoesNotGiveIsLeftOut) {
+    constexpr const char* kNoName = "<FileName></FileName>";
+    constexpr const char* kNoTags = "<IDTags>\r\n\t\t</IDTags>";
+    constexpr const char* kNoProperties = "<AudioProperties>\r\n\t\t</AudioProperties>";
+    const struct {
+        const char* label;
+        std::function<void(AfterConversionInfo&)> arrange;
+        const char *lost, *instead;
+    } rows[] = {
+        {"info", [](auto& info) { info.sourceAudioInfo = nullptr; }, "<FileBitrate>-7<", "<FileBitrate>0<"},
+        {"tags", [](auto& info) { info.destIDTags = nullptr; }, ">C</Artist>", kNoTags},
+        {"2 GiB of tags", [](auto& info) { info.destIDTagsSize |= 0x80000000; }, ">C</Artist>", kNoTags},
+        {"properties", [](auto& info) { info.sourceAudioProperties = nullptr; }, "8000</SampleRate>",
+         kNoProperties},
+        {"2 GiB of properties", [](auto& info) { info.sourceAudioPropertiesSize |= 0x80000000; },
+         "8000</SampleRate>", kNoProperties},
+        {"a file", [](auto& info) { info.sourceFileName = L"-"; }, "<Title ", kNoName},
+        {"source name", [](auto& info) { info.sourceFileName = nullptr; }, "in &amp; out.tst<", kNoName},
+        {"converted name", [](auto& info) { info.destFileName = nullptr; }, "<FileName>out.c.OUT<", kNoName},
+    };
+    const std::wstring settings = L"-filename=\"" + document + L"\"";
+    Convert(settings);
+    const std::string whole = ReadBytes(document);
+    for (const auto& row : rows) {
+        AfterConversionInfo info = Info();
+        row.arrange(info);
+        plugin.Convert(settings, info);
+        const std::string written = ReadBytes(document);
+        EXPECT_TRUE(Count(whole, row.lost) == 1 && Count(whole, row.instead) == 0) << row.label;
+        EXPECT_TRUE(Count(written, row.lost) == 0 && Count(written, row.instead) == 1) << row.label;
+        EXPECT_TRUE(written.ends_with("</AudioMetadata>\r\n")) << row.label;
+    }
+}
+
 TEST_F(ConversionTest, ALibraryNeedsAllNineExports) {
     DeleteFileW(Decoders::PathOf(L"lib.dll").c_str());
     for (const char* name :
@@ -179,6 +216,7 @@ TEST_F(ConversionTest, RefusesTwoKindsOfConvertedFiles) {
         L"Write XML incompatible with option in Platterhawk 'Rip to ._ Files, rename Album at end'\r\n";
     const std::wstring encoder = L"Write XML is incompatible with this encoder.\r\n";
     const std::pair<const wchar_t*, std::wstring> rows[] = {{L"track._", ripper},
+                                                            {L"track._x", L""},
                                                             {L"track.ignore", encoder},
                                                             {L"track.IgNoRe", encoder},
                                                             {L"track.ignored", L""}};
@@ -188,7 +226,7 @@ TEST_F(ConversionTest, RefusesTwoKindsOfConvertedFiles) {
         converted = folder + name;
         WriteTestFile(converted, "");
         WriteTestFile(folder + L"track.xml", "kept");
-        library.decodes.push_back(L".ignored");
+        library.decodes = {L".tst", L"._x", L".ignored"};
         const std::wstring trace = Convert();
         EXPECT_EQ(plugin.Errors(), error);
         EXPECT_EQ(ReadBytes(folder + L"track.xml") == "kept", !error.empty());

@@ -39,6 +39,16 @@ TEST(DebugLog, IndentsTheTraceAndWritesErrorsAfterIt) {
                                    L"<-<-  [A]\r\n");
 }
 
+TEST(DebugLog, WritesLinesOfAnyLength) {
+    const LogFile log;
+    std::wstring expected;
+    for (size_t size = 350; size < 450; ++size) { // the log has room of its own for the shorter ones
+        Log(std::wstring(size, L'x').c_str(), log.record, L"scope");
+        expected += std::wstring(size, L'x') + L"  [scope]\r\n";
+    }
+    EXPECT_EQ(ReadUtf16(log.path), expected);
+}
+
 TEST(DebugLog, ThreadsShareTheIndentationAndNeverMixLines) {
     const LogFile log;
     std::vector<std::thread> threads(4);

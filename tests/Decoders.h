@@ -3,6 +3,7 @@
 #include "tests/Files.h"
 #include "tests/fixtures/FixtureDecoder.h"
 
+#include <functional>
 #include <map>
 
 /// The decoder folder beside the test program, filled with fixture libraries, and the registry cache, empty
@@ -80,19 +81,13 @@ public:
                   ERROR_SUCCESS);
     }
 
-    /// From now on the calls are written into this file, between the lines of the trace.
-    void WriteCallsTo(HANDLE trace) { m_trace = trace; }
-
     void Record(const wchar_t* name, const wchar_t* call) {
-        m_errorMode = GetThreadErrorMode();
         m_calls.push_back(std::wstring(name) + L": " + call);
-        const std::wstring line = m_calls.back() + L"\r\n";
-        DWORD written = 0;
-        WriteFile(m_trace, line.data(), static_cast<DWORD>(line.size() * 2), &written, nullptr);
+        onCall(m_calls.back());
     }
 
-    /// The thread's error mode at the last call.
-    DWORD ErrorMode() const { return m_errorMode; }
+    /// Called during each call with its text, such as "lib.dll: Open2 8".
+    std::function<void(const std::wstring& call)> onCall = [](const std::wstring&) {};
 
     inline static Decoders* current = nullptr;
 
@@ -104,7 +99,5 @@ private:
 
     std::map<std::wstring, FixtureBehaviour> m_behaviours;
     std::vector<std::wstring> m_calls;
-    HANDLE m_trace = nullptr;
     const void* m_context = nullptr;
-    DWORD m_errorMode = 0;
 };

@@ -10,6 +10,7 @@
 #include <functional>
 #include <new>
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -250,6 +251,8 @@ protected:
         }
         const std::string notBegun =
             transforms ? "not begun, other; Out of memory" : "not begun, whole; Out of memory";
+        const std::string notDone = "not done, kept; Out of memory";
+        const std::string nothingDone = "not begun, not done, kept; Out of memory; Out of memory";
         const Failures ofAll = {
             // Without the cache the folder is scanned; without a lock the work goes on.
             {"RegCreateKeyExW", ERROR_ACCESS_DENIED, 0, {"whole"}},
@@ -275,12 +278,8 @@ protected:
             // logged.
             {"LoadLibraryW", 0, ERROR_NOT_ENOUGH_MEMORY, someLess},
             {"GetProcAddress", 0, ERROR_PROC_NOT_FOUND, someLess},
-            {"malloc", 0, 0, {"not created, kept", notBegun, "not done, kept; Out of memory", "whole"}},
-            {kMemory,
-             0,
-             0,
-             {"not created, kept", "not begun, not done, kept; Out of memory; Out of memory",
-              "not done, kept; Out of memory", "whole"}},
+            {"malloc", 0, 0, {"not created, kept", notBegun, notDone, "whole"}},
+            {kMemory, 0, 0, {"not created, kept", nothingDone, notDone, "whole"}},
         };
         failures.insert(failures.end(), ofAll.begin(), ofAll.end());
         LetFail([this] { return Convert(); }, failures);
@@ -481,34 +480,31 @@ TEST_F(FailingCalls, InAPanelRound) {
     const std::string notShown = "not shown, -xsltfile=\"\" -ext=\"\", -xsltfile=\"\" -ext=\"\"";
     const std::string noSheet = "-xsltfile=\"\" -ext=\".a\"";
     const std::string noExtension = "-xsltfile=\"C:\\x.xsl\" -ext=\"\"";
+    const Results unread = {"shown, " + noSheet + ", read", "shown, " + noExtension + ", read",
+                            "shown, read, " + noSheet, "shown, read, " + noExtension};
+    const Results withoutMemory = {"not created",
+                                   notShown,
+                                   "not shown, -xsltfile=\"\" -ext=\"\", nothing",
+                                   "not shown, nothing, nothing",
+                                   "shown, nothing, nothing",
+                                   "shown, read, nothing"};
     Failures failures = {
         {"CreateDialogParamW", 0, ERROR_NOT_ENOUGH_MEMORY, {notShown}},
         {"SetDlgItemTextW", 0, ERROR_NOT_ENOUGH_MEMORY, {notShown}},
-        {"GetDlgItemTextW",
-         0,
-         ERROR_INVALID_WINDOW_HANDLE,
-         {"shown, " + noSheet + ", read", "shown, " + noExtension + ", read", "shown, read, " + noSheet,
-          "shown, read, " + noExtension}},
+        {"GetDlgItemTextW", 0, ERROR_INVALID_WINDOW_HANDLE, unread},
         {"CoInitialize", E_OUTOFMEMORY, 0, {"shown, read, read"}},
         {"CoCreateInstance", REGDB_E_CLASSNOTREG, 0, {"shown, read, read"}},
         {"WaitForSingleObject", kInvalid, ERROR_INVALID_HANDLE, {"shown, read, read"}},
         {"malloc", 0, 0, {"not created", notShown, "shown, nothing, read", "shown, read, nothing"}},
-        {kMemory,
-         0,
-         0,
-         {"not created", notShown, "not shown, -xsltfile=\"\" -ext=\"\", nothing",
-          "not shown, nothing, nothing", "shown, nothing, nothing", "shown, read, nothing"}},
+        {kMemory, 0, 0, withoutMemory},
     };
     // These affect appearance at most: position, font, icon, accessible name, tooltip.
-    for (const char* name : {"BeginPaint",      "CreateFontIndirectW", "CreateMutexW",
-                             "DrawIconEx",      "DrawTextW",           "GetAncestor",
-                             "GetClassNameW",   "GetClientRect",       "GetDC",
-                             "GetDlgItem",      "GetObjectW",          "GetSysColorBrush",
-                             "GetWindow",       "GetWindowRect",       "GetWindowTextW",
-                             "KillTimer",       "LoadImageW",          "MapDialogRect",
-                             "MapWindowPoints", "SelectObject",        "SendMessageW",
-                             "SetTimer",        "SetWindowPos",        "SetWindowLongPtrW",
-                             "WriteFile"}) {
+    std::istringstream names(
+        "BeginPaint CreateFontIndirectW CreateMutexW DrawIconEx DrawTextW GetAncestor "
+        "GetClassNameW GetClientRect GetDC GetDlgItem GetObjectW GetSysColorBrush GetWindow "
+        "GetWindowRect GetWindowTextW KillTimer LoadImageW MapDialogRect MapWindowPoints "
+        "SelectObject SendMessageW SetTimer SetWindowPos SetWindowLongPtrW WriteFile");
+    for (std::string name; names >> name;) {
         failures.push_back({name, 0, ERROR_NOT_ENOUGH_MEMORY, {"shown, read, read"}});
     }
     LetFail(round, failures);

@@ -1,35 +1,14 @@
 #include "tests/ConversionFixture.h"
 
-#include <functional>
-
-// Outputs, names, files and decoder folders that are not as the plug-in expects.
-
-namespace {
-
-/// Called with every call of a decoder library, such as "Open2 8".
-std::function<void(const std::wstring& call)> onCall = [](const std::wstring&) {};
-
-} // namespace
-
-FixtureBehaviour* FixtureBehaviourOf(const wchar_t* libraryName) {
-    return &Decoders::current->Of(libraryName);
-}
-
-void FixtureCalled(const wchar_t*, const wchar_t* call) {
-    onCall(call);
-}
+// Names, files and decoder folders that are not as the plug-in expects.
 
 namespace {
 
 class Hostile : public ConversionTest {
 protected:
-    ~Hostile() override {
-        onCall = [](const std::wstring&) {};
-    }
-
     /// Converts with the settings and returns the error lines; the trace must show a complete conversion.
-    std::wstring Errors(const std::wstring& settings = L"") {
-        const std::wstring trace = Convert(settings);
+    std::wstring Errors() {
+        const std::wstring trace = Convert();
         EXPECT_NE(trace.find(L"<-<-  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n"), std::wstring::npos);
         return plugin.Errors();
     }
@@ -45,20 +24,6 @@ protected:
                bytes.ends_with("</AudioMetadata>\r\n");
     }
 };
-
-TEST_F(Hostile, ConvertsAgainAfterAnOutputThatCannotBeWritten) {
-    std::vector<std::wstring> outputs = {folder + L"none\\out.xml"};
-    if (RunsUnderWine()) {
-        outputs.push_back(L"Z:\\dev\\full"); // the device below that is a full disk
-    }
-    for (const std::wstring& output : outputs) {
-        EXPECT_EQ(Errors(L"-filename=\"" + output + L"\""), L"") << output;
-        EXPECT_FALSE(IsWhole(output)) << output;
-        EXPECT_EQ(Errors(), L"") << output;
-        EXPECT_TRUE(IsWhole(document)) << "after " << output;
-        DeleteFileW(document.c_str());
-    }
-}
 
 TEST_F(Hostile, NamesAreTakenAsTheyAre) {
     std::wstring deep = L"\\\\?\\" + folder;
@@ -95,7 +60,7 @@ TEST_F(Hostile, NamesAreTakenAsTheyAre) {
 }
 
 TEST_F(Hostile, ASourceMayDisappearBetweenTwoReadings) {
-    onCall = [this](const std::wstring& call) {
+    decoders.onCall = [this](const std::wstring& call) {
         if (call.ends_with(L" 8")) {
             EXPECT_TRUE(DeleteFileW(source.c_str()));
         }

@@ -63,14 +63,6 @@ public:
         EXPECT_EQ(CALL_PLUGIN(DSP_AfterConversion, m_instance, &info), 1);
     }
 
-    /// The trace of that call's outer lines, around the lines of the document's work.
-    static std::wstring Framed(const std::wstring& work) {
-        const std::wstring prefix = L"->->  [clDSP_WriteMetadataFile::";
-        return prefix + L"BeginConversion]\r\n<-<-  [clDSP_WriteMetadataFile::BeginConversion]\r\n" + prefix +
-               L"EndConversion]\r\n<-<-  [clDSP_WriteMetadataFile::EndConversion]\r\n" + prefix +
-               L"AfterConversion]\r\n" + work + L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]\r\n";
-    }
-
 private:
     static std::wstring Since(const std::wstring& path, size_t& seen) {
         const std::wstring fresh = ReadUtf16(path).substr(seen);

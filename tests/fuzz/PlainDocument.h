@@ -122,7 +122,9 @@ inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& conv
     std::wstring document;
     const auto line = [&](const std::wstring& text) { document += text + lineEnd; };
     const auto number = [&](const std::wstring& open, const std::wstring& element, int64_t value) {
-        line(open + L"<" + element + L">" + std::to_wstring(value) + L"</" + element + L">");
+        const std::string digits = std::to_string(value);
+        line(open + L"<" + element + L">" + std::wstring(digits.begin(), digits.end()) + L"</" + element +
+             L">");
     };
     const auto fact = [&](const std::wstring& element, const std::wstring& text) {
         line(L"\t\t<" + element + L">" + Escaped(text) + L"</" + element + L">");

@@ -60,10 +60,6 @@ void CheckPaths(const XString& path) {
     const std::wstring ext = Wide(GetFileExt(path));
     const bool hasExt = name.find(L'.') != std::wstring::npos;
     Require(hasExt ? nameNoExt + ext == name : nameNoExt == name && ext == L".", "name and extension");
-    const std::wstring unquoted = whole.substr(0, whole.find(L'"'));
-    const XString quoted((L"\"" + unquoted + L"\" -x \\y").c_str());
-    Require(Wide(ModuleFolder(quoted)) == Wide(GetFilePath(XString(unquoted.c_str()))),
-            "folder of a program");
 }
 
 } // namespace

@@ -2,11 +2,8 @@
 // of 16 bits.
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 #include <cwchar>
-#include <string>
 
 static_assert(sizeof(wchar_t) == 2);
 
@@ -49,14 +46,5 @@ wchar_t* wmemset(wchar_t* out, wchar_t unit, size_t count) noexcept {
 wchar_t* wmemchr(const wchar_t* units, wchar_t unit, size_t count) noexcept {
     const wchar_t* found = std::find(units, units + count, unit);
     return found == units + count ? nullptr : const_cast<wchar_t*>(found);
-}
-
-/// For std::to_wstring: ASCII formats and results alone.
-int vswprintf(wchar_t* out, size_t size, const wchar_t* format, va_list arguments) noexcept {
-    const std::string narrow(format, format + wcslen(format));
-    std::string text(size, '\0');
-    const int written = std::vsnprintf(text.data(), size, narrow.c_str(), arguments);
-    std::copy(text.begin(), text.end(), out);
-    return written;
 }
 }

@@ -6,7 +6,7 @@ namespace {
 
 class Hostile : public ConversionTest {
 protected:
-    /// Converts with the settings and returns the error lines; the trace must show a complete conversion.
+    /// Converts and returns the error lines; the trace must show a complete conversion.
     std::wstring Errors() {
         const std::wstring trace = Convert();
         EXPECT_NE(trace.find(L"<-<-  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n"), std::wstring::npos);

@@ -60,6 +60,7 @@ TEST(Paths, ProgramPathsMayStandInQuotes) {
     } rows[] = {{L"C:\\a b\\host.exe", L"C:\\a b\\"},
                 {L"\"C:\\a b\\host.exe\" -x \\y", L"C:\\a b\\"},
                 {L"\"C:\\a\\host.exe", L"C:\\a\\"},
+                {L"\"host.exe\"", L"host.exe"},
                 {L"", L""}};
     for (const auto& row : rows) {
         EXPECT_EQ(Wide(ModuleFolder(XString(row.path))), row.folder) << row.path;

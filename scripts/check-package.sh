@@ -26,6 +26,7 @@ find . -type f -printf '%P\n' | sort | zip -X -q -@ "$zip"
 
 user="$work/with a blank and ü"
 unzip -q "$zip" -d "$user"
+one_processor
 start_display
 start_wine wine-check
 cd "$user"

@@ -44,9 +44,6 @@ def samples():
     nosource = re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7)
     head, tail = bare.rsplit("\t\t</IDTags>", 1)
 
-    def tagged(*tags):
-        return "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail])
-
     def with_numbers(document, **numbers):
         for fact, values in numbers.items():
             values = iter(values)
@@ -58,4 +55,5 @@ def samples():
             "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
                                        FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
             "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
-            "long": tagged(*tags), "lines": lines}
+            "long": "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail]),
+            "lines": lines}

@@ -59,7 +59,7 @@ TEST_F(LongRun, ConversionsLeakNothing) {
 }
 
 TEST_F(LongRun, ThreadsConvertSideBySide) {
-    const OwnedFile trace = CreateTestFile(folder + L"shared.log");
+    const OwnedFile trace = CreateTestFile(folder + L"shared.log"); // whose lines are written one at a time
     const CreateRecord record = {nullptr, nullptr, trace.Get()};
     const auto convert = [&](int thread, int rounds, std::string& expected) {
         const std::wstring name = folder + std::to_wstring(thread);

@@ -1,7 +1,7 @@
 #include "bench/BareConversion.h"
 
 #include "support/Owner.h"
-#include "tests/Decoders.h"
+#include "tests/shared/Decoders.h"
 
 #include <iterator>
 

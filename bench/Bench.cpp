@@ -6,8 +6,8 @@
 #include "bench/Table.h"
 #include "bench/Texts.h"
 #include "bench/Writers.h"
-#include "tests/CallStubs.h"
-#include "tests/ConversionFixture.h"
+#include "tests/shared/CallStubs.h"
+#include "tests/shared/ConversionFixture.h"
 
 #include <psapi.h>
 

@@ -2,7 +2,7 @@
 
 #include "metadata/TagList.h"
 #include "metadata/XmlText.h"
-#include "tests/Wide.h"
+#include "tests/shared/Wide.h"
 
 DocumentParts::DocumentParts(const std::vector<uint8_t>& packedTags, const std::string& document)
     : tags(packedTags) {

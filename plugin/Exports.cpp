@@ -1,7 +1,7 @@
 #include "plugin/Exports.h"
 
 #include "plugin/clDSP_WriteMetadataFile.h"
-#include "support/MemoryReserve.h"
+#include "support/gcc/MemoryReserve.h"
 
 #include <new>
 #include <utility>

@@ -1,5 +1,5 @@
-#include "tests/ConversionFixture.h"
-#include "tests/fuzz/PlainDocument.h"
+#include "tests/shared/ConversionFixture.h"
+#include "tests/shared/PlainDocument.h"
 
 #include <functional>
 

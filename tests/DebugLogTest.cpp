@@ -1,6 +1,6 @@
 #include "support/DebugLog.h"
 
-#include "tests/Files.h"
+#include "tests/shared/Files.h"
 
 #include <thread>
 

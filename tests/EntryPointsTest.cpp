@@ -1,5 +1,5 @@
-#include "tests/PluginHarness.h"
-#include "tests/ProcessUse.h"
+#include "tests/shared/PluginHarness.h"
+#include "tests/shared/ProcessUse.h"
 
 #include <winsock2.h>
 

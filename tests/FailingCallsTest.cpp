@@ -1,7 +1,7 @@
-#include "tests/CallStubs.h"
-#include "tests/ConversionFixture.h"
-#include "tests/ProcessUse.h"
-#include "tests/TestWindow.h"
+#include "tests/shared/CallStubs.h"
+#include "tests/shared/ConversionFixture.h"
+#include "tests/shared/ProcessUse.h"
+#include "tests/shared/TestWindow.h"
 
 #include <malloc.h>
 #include <msxml2.h>

@@ -2,7 +2,7 @@
 #include "support/XFile.h"
 #include "support/XFileFind.h"
 
-#include "tests/Files.h"
+#include "tests/shared/Files.h"
 
 #include <set>
 

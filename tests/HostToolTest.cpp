@@ -1,5 +1,5 @@
 #include "support/ModuleFolder.h"
-#include "tests/Files.h"
+#include "tests/shared/Files.h"
 
 #include <cstdlib>
 

@@ -1,4 +1,4 @@
-#include "tests/ConversionFixture.h"
+#include "tests/shared/ConversionFixture.h"
 
 // Names, files and decoder folders that are not as the plug-in expects.
 

@@ -1,5 +1,5 @@
-#include "tests/ConversionFixture.h"
-#include "tests/ProcessUse.h"
+#include "tests/shared/ConversionFixture.h"
+#include "tests/shared/ProcessUse.h"
 
 #include <cstdlib>
 #include <thread>

@@ -4,8 +4,8 @@
 #include "metadata/XmlWriter.h"
 #include "support/Utf8.h"
 
-#include "tests/TagBlob.h"
-#include "tests/Wide.h"
+#include "tests/shared/TagBlob.h"
+#include "tests/shared/Wide.h"
 
 #include <gtest/gtest.h>
 

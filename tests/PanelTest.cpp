@@ -1,8 +1,8 @@
 #include "plugin/HelpButton.h"
 #include "support/ModuleFolder.h"
-#include "tests/CallStubs.h"
-#include "tests/PluginHarness.h"
-#include "tests/TestWindow.h"
+#include "tests/shared/CallStubs.h"
+#include "tests/shared/PluginHarness.h"
+#include "tests/shared/TestWindow.h"
 #include "toolkit/LabelFont.h"
 #include "toolkit/XIcon.h"
 

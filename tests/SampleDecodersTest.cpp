@@ -1,7 +1,7 @@
 #include "decoders/clZentaroDecoder.h"
 #include "metadata/TagList.h"
-#include "tests/Files.h"
-#include "tests/Wide.h"
+#include "tests/shared/Files.h"
+#include "tests/shared/Wide.h"
 
 // The sample decoder libraries, through their exports, on files made byte by byte.
 

@@ -1,4 +1,4 @@
-#include "tests/TestWindow.h"
+#include "tests/shared/TestWindow.h"
 #include "toolkit/XButton.h"
 #include "toolkit/XWindow.h"
 

@@ -1,4 +1,4 @@
-#include "tests/ConversionFixture.h"
+#include "tests/shared/ConversionFixture.h"
 
 #include <objbase.h>
 

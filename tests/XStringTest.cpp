@@ -1,6 +1,6 @@
 #include "support/XString.h"
 
-#include "tests/Wide.h"
+#include "tests/shared/Wide.h"
 
 #include <gtest/gtest.h>
 

@@ -2,9 +2,9 @@
 // the lists that it returns must be well formed.
 
 #include "decoders/DecoderRecords.h"
-#include "tests/fuzz/PlainDocument.h"
 #include "tests/fuzz/Require.h"
 #include "tests/native/TheFile.h"
+#include "tests/shared/PlainDocument.h"
 
 extern "C" {
 DecoderCreateFunction Create;

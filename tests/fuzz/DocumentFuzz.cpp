@@ -2,8 +2,8 @@
 
 #include "metadata/Document.h"
 #include "support/Utf8.h"
-#include "tests/fuzz/PlainDocument.h"
 #include "tests/fuzz/Require.h"
+#include "tests/shared/PlainDocument.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,8 +2,8 @@
 
 #include "plugin/ParseOptions.h"
 #include "support/Paths.h"
-#include "tests/Wide.h"
 #include "tests/fuzz/Require.h"
+#include "tests/shared/Wide.h"
 
 #include <algorithm>
 #include <utility>

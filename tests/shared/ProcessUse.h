@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/Owner.h"
-#include "tests/Wine.h"
+#include "tests/shared/Wine.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "tests/Decoders.h"
+#include "tests/shared/Decoders.h"
 
 FixtureBehaviour* FixtureBehaviourOf(const wchar_t* libraryName) {
     return &Decoders::current->Of(libraryName);

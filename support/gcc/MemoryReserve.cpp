@@ -1,4 +1,4 @@
-#include "support/MemoryReserve.h"
+#include "support/gcc/MemoryReserve.h"
 
 #include <atomic>
 #include <cstdlib>

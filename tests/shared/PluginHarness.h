@@ -3,8 +3,8 @@
 #include "plugin/Exports.h"
 #include "support/Owner.h"
 
-#include "tests/Files.h"
-#include "tests/TagBlob.h"
+#include "tests/shared/Files.h"
+#include "tests/shared/TagBlob.h"
 
 #include <string>
 

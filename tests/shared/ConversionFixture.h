@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/Decoders.h"
-#include "tests/PluginHarness.h"
+#include "tests/shared/Decoders.h"
+#include "tests/shared/PluginHarness.h"
 
 #include <filesystem>
 

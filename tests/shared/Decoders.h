@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/Files.h"
 #include "tests/fixtures/FixtureDecoder.h"
+#include "tests/shared/Files.h"
 
 #include <functional>
 #include <map>

@@ -1,65 +1,44 @@
 #include "plugin/ParseOptions.h"
 
-#include <utility>
+#include <algorithm>
+#include <string_view>
 
-namespace {
+using namespace std::string_view_literals;
 
-/// Position of the first of these units at or after `pos`, or that of the terminator.
-template<class... Units>
-size_t FindAny(const XString& text, size_t pos, Units... units) noexcept {
-    while (pos <= text.Size() && ((text.At(pos) != units) && ...)) {
-        ++pos;
-    }
-    return pos < text.Length() ? pos : text.Length();
-}
-
-} // namespace
-
-void ParseOptions(OptionLists& lists, const XString& text) {
-    lists.names.Clear();
-    lists.values.Clear();
-    const size_t endPos = text.Length();
-    size_t pos = 1;
-    while (pos < endPos) {
-        size_t namePos = FindAny(text, pos, L'-') + 1;
-        if (namePos > endPos) {
-            break;
-        }
-        if (text.At(namePos) == L'-') {
-            ++namePos;
-        }
-        const size_t nameEnd = FindAny(text, namePos, L'"', L'=', L' ');
-        if (nameEnd <= namePos) {
-            pos = nameEnd + 1;
+std::vector<Option> ParseOptions(const XString& settings) {
+    const std::wstring_view text(settings.Text(), settings.Size());
+    const auto isAt = [text](size_t at, wchar_t unit) { return text.substr(at).starts_with(unit); };
+    std::vector<Option> options;
+    size_t at = 0;
+    while ((at = text.find(L'-', at)) != text.npos) {
+        at += isAt(at + 1, L'-') ? 2u : 1u;
+        const size_t nameEnd = std::min(text.find_first_of(L"\"= "sv, at), text.size());
+        const std::wstring_view name = text.substr(at, nameEnd - at);
+        if (name.empty()) {
+            at = nameEnd + 1;
             continue;
         }
-
-        XString value;
-        pos = nameEnd;
-        while (text.At(pos) == L' ' || text.At(pos) == L'=') {
-            ++pos;
-        }
-        if (text.At(pos) == L'"') {
-            ++pos;
-            const size_t quotePos = text.Find(L'"', pos);
-            if (quotePos != 0) {
-                value = text.Mid(pos, quotePos - 1);
-                pos = quotePos + 1;
+        std::wstring_view value;
+        at = std::min(text.find_first_not_of(L" ="sv, nameEnd), text.size());
+        if (isAt(at, L'"')) {
+            ++at;
+            if (const size_t quote = text.find(L'"', at); quote != text.npos) {
+                value = text.substr(at, quote - at);
+                at = quote + 1;
             }
-        } else if (pos < endPos && text.At(pos) != L'-') {
-            const size_t valueEnd = FindAny(text, pos, L' ');
-            value = text.Mid(pos, valueEnd - 1);
-            pos = valueEnd + 1;
+        } else if (!isAt(at, L'-')) {
+            value = text.substr(at, text.find(L' ', at) - at);
+            at += value.size();
         }
-        lists.names.Add(text.Mid(namePos, nameEnd - 1));
-        lists.values.Add(std::move(value));
+        options.push_back({XString(name.data(), name.size()), XString(value.data(), value.size())});
     }
+    return options;
 }
 
-const wchar_t* FindOption(const OptionLists& lists, const wchar_t* name) noexcept {
-    for (size_t i = 0; i < lists.names.Count(); ++i) {
-        if (Compare(lists.names[i].Text(), name, 0, true) == 0) {
-            return lists.values[i].Text();
+const wchar_t* FindOption(const std::vector<Option>& options, const wchar_t* name) noexcept {
+    for (const Option& option : options) {
+        if (Compare(option.name.Text(), name, 0, true) == 0) {
+            return option.value.Text();
         }
     }
     return L"";

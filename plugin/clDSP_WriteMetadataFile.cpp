@@ -23,7 +23,7 @@ private:
 };
 
 /// An absent or empty option leaves the field as it is.
-void TakeOption(XString& field, const OptionLists& options, const wchar_t* name) {
+void TakeOption(XString& field, const std::vector<Option>& options, const wchar_t* name) {
     if (const wchar_t* value = FindOption(options, name); *value != 0) {
         field.Assign(value);
     }
@@ -53,8 +53,7 @@ const wchar_t* clDSP_WriteMetadataFile::RemoveConfigBit(int64_t mode) {
 
 void clDSP_WriteMetadataFile::BeginConversion(const wchar_t* settings) {
     const TraceScope trace(m_record, L"clDSP_WriteMetadataFile::BeginConversion");
-    OptionLists options;
-    ParseOptions(options, XString(settings));
+    const std::vector<Option> options = ParseOptions(XString(settings));
     TakeOption(m_xsltFile, options, L"xsltfile");
     TakeOption(m_outputExtension, options, L"ext");
     m_outputName.Assign(L"");

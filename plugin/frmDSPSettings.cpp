@@ -104,8 +104,7 @@ void frmDSPSettings::OnInit() {
     for (const int field : {IDC_XSLT_FILE, IDC_EXTENSION}) {
         SendMessageW(GetDlgItem(Hwnd(), field), EM_LIMITTEXT, kFieldSize - 1, 0);
     }
-    OptionLists options;
-    ParseOptions(options, m_settings);
+    const std::vector<Option> options = ParseOptions(m_settings);
     m_filled = SetPath(Hwnd(), FindOption(options, L"xsltfile")) &&
                SetDlgItemTextW(Hwnd(), IDC_EXTENSION, FindOption(options, L"ext"));
 }

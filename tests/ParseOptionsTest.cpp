@@ -8,14 +8,9 @@ namespace {
 
 // All options as one text: name[value] in order.
 std::wstring Parsed(const wchar_t* text) {
-    OptionLists lists;
-    lists.names.Add(XString(L"stale"));
-    lists.values.Add(XString(L"stale"));
-    ParseOptions(lists, XString(text));
-    EXPECT_EQ(lists.names.Count(), lists.values.Count());
     std::wstring all;
-    for (size_t i = 0; i < lists.names.Count(); ++i) {
-        all += std::wstring(lists.names[i].Text()) + L"[" + lists.values[i].Text() + L"]";
+    for (const Option& option : ParseOptions(XString(text))) {
+        all += std::wstring(option.name.Text()) + L"[" + option.value.Text() + L"]";
     }
     return all;
 }
@@ -25,6 +20,7 @@ TEST(ParseOptions, ReadsEveryFormOfOption) {
         {L"", L""},
         {L"-xsltfile=\"C:\\My Files\\a-b.xsl\" -ext=\"txt\"", L"xsltfile[C:\\My Files\\a-b.xsl]ext[txt]"},
         {L"--ext = \"xml\"", L"ext[xml]"},
+        {L"---ext=xml", L"-ext[xml]"},
         {L"-ext  == =txt rest -a", L"ext[txt]a[]"},
         {L"-xsltfile=\"abc -ext=x y", L"xsltfile[]ext[x]"}, // goes on just after the quote
         {L"-ext\"txt\"-b=1", L"ext[txt]b[1]"},

@@ -1,4 +1,4 @@
-// Settings texts and the paths in them, compared with reference code.
+// Settings texts and the paths in them.
 
 #include "plugin/ParseOptions.h"
 #include "support/Paths.h"
@@ -11,44 +11,34 @@
 
 namespace {
 
-using Options = std::vector<std::pair<std::wstring, std::wstring>>;
+using Pairs = std::vector<std::pair<std::wstring, std::wstring>>;
 
-Options Read(const XString& text) {
-    OptionLists lists;
-    ParseOptions(lists, text);
-    Require(lists.names.Count() == lists.values.Count(), "names without values");
-    Options options;
-    for (size_t i = 0; i < lists.names.Count(); ++i) {
-        options.emplace_back(Wide(lists.names[i]), Wide(lists.values[i]));
+Pairs Read(const std::wstring& text) {
+    Pairs pairs;
+    for (const Option& option : ParseOptions(XString(text.c_str()))) {
+        pairs.emplace_back(Wide(option.name), Wide(option.value));
     }
-    return options;
+    return pairs;
 }
 
-Options ReadPlainly(const std::wstring& text) {
-    Options options;
+/// Names and values stand in the text in their order, a name directly behind a hyphen, and options that are
+/// written out in full are read as they were.
+void CheckOptions(const std::wstring& text) {
+    const Pairs options = Read(text);
+    std::wstring whole;
     size_t at = 0;
-    while ((at = text.find(L'-', at)) != std::wstring::npos) {
-        const size_t name = text.compare(at, 2, L"--") == 0 ? at + 2 : at + 1;
-        const size_t nameEnd = std::min(text.find_first_of(L"\"= ", name), text.size());
-        if (nameEnd == name) {
-            at = nameEnd + 1;
-            continue;
-        }
-        std::wstring value;
-        at = std::min(text.find_first_not_of(L" =", nameEnd), text.size());
-        if (text[at] == L'"') {
-            const size_t quote = text.find(L'"', ++at);
-            if (quote != std::wstring::npos) {
-                value = text.substr(at, quote - at);
-                at = quote + 1;
-            }
-        } else if (text[at] != L'-') {
-            value = text.substr(at, text.find(L' ', at) - at);
-            at += value.size();
-        }
-        options.emplace_back(text.substr(name, nameEnd - name), value);
+    for (const auto& [name, value] : options) {
+        Require(!name.empty() && name.find_first_of(L"\"= ") == name.npos, "a name");
+        at = text.find(L'-' + name, at);
+        Require(at != text.npos, "a name that is not there");
+        at = text.find(value, at + 1 + name.size());
+        Require(at != text.npos, "a value that is not there");
+        at += value.size();
+        const bool needsQuotes = value.find_first_of(L"-=") == 0 || value.find(L' ') != value.npos;
+        const wchar_t* const quote = value.empty() || needsQuotes ? L"\"" : L"";
+        whole += (name[0] == L'-' ? L"--" : L"-") + name + L'=' + quote + value + quote + L' ';
     }
-    return options;
+    Require(Read(whole) == options, "options written out in full");
 }
 
 void CheckPaths(const XString& path) {
@@ -66,16 +56,14 @@ void CheckPaths(const XString& path) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // A terminator ends the text, as it ends the host's.
-    const std::wstring units = Wide(Utf16View(data, size / sizeof(wchar_t)));
-    const XString text(units.c_str());
-    Require(Read(text) == ReadPlainly(Wide(text)), "options");
-    CheckPaths(text);
+    std::wstring text = Wide(Utf16View(data, size / sizeof(wchar_t))).c_str();
+    CheckOptions(text);
+    CheckPaths(XString(text.c_str()));
 
     // What the panel writes is read back.
-    std::wstring field = Wide(text);
-    std::erase(field, L'"');
-    const XString formatted = FormatOptions(field.c_str(), field.c_str() + field.size() / 2);
-    Require(Read(formatted) == Options{{L"xsltfile", field}, {L"ext", field.substr(field.size() / 2)}},
-            "round trip");
+    std::erase(text, L'"');
+    const std::wstring half = text.substr(text.size() / 2);
+    const XString formatted = FormatOptions(text.c_str(), half.c_str());
+    Require(Read(Wide(formatted)) == Pairs{{L"xsltfile", text}, {L"ext", half}}, "round trip");
     return 0;
 }

@@ -8,9 +8,7 @@
 namespace {
 
 XString Setting(const Options& options, const wchar_t* name) {
-    OptionLists settings;
-    ParseOptions(settings, options.settings);
-    return XString(FindOption(settings, name));
+    return XString(FindOption(ParseOptions(options.settings), name));
 }
 
 XString DocumentPath(const Options& options) {

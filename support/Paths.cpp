@@ -22,14 +22,6 @@ XString GetFilePath(const XString& path) {
     return path.Mid(1, separatorPos != 0 ? separatorPos : path.Size());
 }
 
-XString ModuleFolder(const XString& modulePath) {
-    if (modulePath.At(1) != L'"') {
-        return GetFilePath(modulePath);
-    }
-    const size_t quotePos = modulePath.Find(L'"', 2);
-    return GetFilePath(modulePath.Mid(2, quotePos != 0 ? quotePos - 1 : modulePath.Size()));
-}
-
 void EnsureTrailingBackslash(XString& path) {
     if (path.IsEmpty() || path.At(path.Size()) != L'\\') {
         path.Append(L"\\");

@@ -21,9 +21,6 @@ XString GetFileExt(const XString& path);
 /// Everything up to and including the last backslash; the whole path, unchanged, when there is none.
 XString GetFilePath(const XString& path);
 
-/// The folder of a program or library, from its path, which may stand in double quotes as in a command line.
-XString ModuleFolder(const XString& modulePath);
-
 /// Appends a backslash unless the last character is one; an empty path becomes "\".
 void EnsureTrailingBackslash(XString& path);
 

@@ -1,9 +1,12 @@
+#include "support/ModuleFolder.h"
 #include "support/Paths.h"
 #include "support/XFile.h"
 #include "support/XFileFind.h"
 
+#include "tests/shared/CallStubs.h"
 #include "tests/shared/Files.h"
 
+#include <algorithm>
 #include <set>
 
 namespace {
@@ -36,6 +39,31 @@ TEST(XFile, ClosesTheEarlierFileWhenItFails) {
     EXPECT_FALSE(file.Open(XString(), GENERIC_WRITE, CREATE_ALWAYS));
     EXPECT_FALSE(file.IsOpen() || file.Write("x", 1));
     EXPECT_TRUE(file.Write(nullptr, 0));
+}
+
+std::wstring modulePath;
+
+DWORD WINAPI GiveModulePath(HMODULE /*module*/, wchar_t* out, DWORD size) {
+    const size_t copied = std::min<size_t>(size, modulePath.size());
+    std::copy_n(modulePath.data(), copied, out);
+    return static_cast<DWORD>(copied);
+}
+
+TEST(ModuleFolder, MayBeDeepAndStandInQuotes) {
+    const std::wstring deep = L"C:\\" + std::wstring(950, L'd') + L"\\";
+    const std::pair<std::wstring, std::wstring> rows[] = {
+        {L"C:\\a b\\host.exe", L"C:\\a b\\"}, {L"\"C:\\a b\\host.exe\" -x \\y", L"C:\\a b\\"},
+        {L"\"C:\\a\\host.exe", L"C:\\a\\"},   {L"\"host.exe\"", L"host.exe"},
+        {deep + L"host.exe", deep},           {L"", L""}};
+    CallStubs& stubs = *new CallStubs; // for as long as anyone calls through them
+    stubs.AddImports(GetModuleHandleW(nullptr));
+    CallStub& stub = stubs["GetModuleFileNameW"];
+    void* const real = std::exchange(stub.target, reinterpret_cast<void*>(GiveModulePath));
+    for (const auto& [path, folder] : rows) {
+        modulePath = path;
+        EXPECT_EQ(ModuleFolder(nullptr).Text(), folder) << path;
+    }
+    stub.target = real;
 }
 
 TEST(FileExists, FindsFilesFoldersRootsAndWildcards) {

@@ -54,17 +54,4 @@ TEST(Paths, LongPathsGetThePrefixAtTheLimit) {
     }
 }
 
-TEST(Paths, ProgramPathsMayStandInQuotes) {
-    const struct {
-        const wchar_t *path, *folder;
-    } rows[] = {{L"C:\\a b\\host.exe", L"C:\\a b\\"},
-                {L"\"C:\\a b\\host.exe\" -x \\y", L"C:\\a b\\"},
-                {L"\"C:\\a\\host.exe", L"C:\\a\\"},
-                {L"\"host.exe\"", L"host.exe"},
-                {L"", L""}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(Wide(ModuleFolder(XString(row.path))), row.folder) << row.path;
-    }
-}
-
 } // namespace

@@ -1,5 +1,6 @@
 #include "metadata/Document.h"
 
+#include "metadata/WaveFormat.h"
 #include "metadata/XmlText.h"
 #include "support/Paths.h"
 
@@ -91,11 +92,11 @@ void WriteFacts(XmlWriter& out, const FileFacts& file, NamelessProperty nameless
     WriteProperties(out, file.properties, nameless);
     out.AppendLine("\t\t</AudioProperties>");
     out.AppendLine("\t\t<AudioFormat>");
-    const WaveFormat format(file.info.format);
-    WriteNumber(out, kFormatFact, "Channels", format.Channels());
-    WriteNumber(out, kFormatFact, "SamplesPerSec", format.SamplesPerSec());
-    WriteNumber(out, kFormatFact, "BitsPerSample", format.BitsPerSample());
-    WriteNumber(out, kFormatFact, "AvgBytesPerSec", format.AvgBytesPerSec());
+    const AudioFormat& format = file.info.format;
+    WriteNumber(out, kFormatFact, "Channels", format.nChannels);
+    WriteNumber(out, kFormatFact, "SamplesPerSec", static_cast<int32_t>(format.nSamplesPerSec));
+    WriteNumber(out, kFormatFact, "BitsPerSample", format.wBitsPerSample);
+    WriteNumber(out, kFormatFact, "AvgBytesPerSec", static_cast<int32_t>(ByteRate(format)));
     out.AppendLine("\t\t</AudioFormat>");
     out.AppendLine("\t\t<IDTags>");
     WriteTags(out, file.idTags);

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "decoders/DecoderRecords.h"
 #include "metadata/TagList.h"
-#include "metadata/WaveFormat.h"
 #include "metadata/XmlWriter.h"
 #include "support/XString.h"
 

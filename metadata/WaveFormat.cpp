@@ -15,6 +15,8 @@ constexpr uint16_t kExtensionSize = 22;
 constexpr uint8_t kSubFormatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                         0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
+} // namespace
+
 uint16_t EffectiveTag(const AudioFormat& format) noexcept {
     if (format.wFormatTag != kExtensible || format.cbSize < kExtensionSize ||
         !std::equal(std::begin(kSubFormatTail), std::end(kSubFormatTail),
@@ -26,17 +28,13 @@ uint16_t EffectiveTag(const AudioFormat& format) noexcept {
     return tag;
 }
 
-} // namespace
-
-WaveFormat::WaveFormat(const AudioFormat& format) noexcept : m_format(format) {
-    const uint16_t tag = EffectiveTag(m_format);
+uint32_t ByteRate(const AudioFormat& format) noexcept {
+    uint32_t rate = format.nAvgBytesPerSec;
+    const uint16_t tag = EffectiveTag(format);
     if (tag == kPcm || tag == kIeeeFloat) {
         // The product is a signed 32-bit number and the block size has 16 bits, whatever that cuts off.
-        const uint32_t bits = uint32_t{m_format.nChannels} * m_format.wBitsPerSample;
-        m_format.nBlockAlign = static_cast<uint16_t>(static_cast<int32_t>(bits) / 8);
-        m_format.nAvgBytesPerSec = m_format.nBlockAlign * m_format.nSamplesPerSec;
+        const uint32_t bits = uint32_t{format.nChannels} * format.wBitsPerSample;
+        rate = static_cast<uint16_t>(static_cast<int32_t>(bits) / 8) * format.nSamplesPerSec;
     }
-    if (m_format.nAvgBytesPerSec == 0) {
-        m_format.nAvgBytesPerSec = 1;
-    }
+    return rate != 0 ? rate : 1;
 }

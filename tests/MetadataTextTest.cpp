@@ -131,7 +131,7 @@ TEST(TagBlob, KeepsWhatFitsAndStopsAtTheFirstBadEntry) {
     }
 }
 
-TEST(WaveFormat, WorksOutBlockSizeAndByteRateOfPcmAndFloat) {
+TEST(WaveFormat, WorksOutTheByteRateOfPcmAndFloat) {
     const auto plain = [](uint16_t tag, uint16_t channels, uint16_t bits, uint32_t rate) {
         AudioFormat format = {};
         format.wFormatTag = tag;
@@ -151,7 +151,7 @@ TEST(WaveFormat, WorksOutBlockSizeAndByteRateOfPcmAndFloat) {
     const struct {
         const char* label;
         AudioFormat format;
-        int32_t expected;
+        uint32_t expected;
     } rows[] = {
         {"PCM", plain(1, 2, 16, 44100), 176400},
         {"other formats keep theirs", plain(85, 2, 0, 44100), 777},
@@ -160,13 +160,12 @@ TEST(WaveFormat, WorksOutBlockSizeAndByteRateOfPcmAndFloat) {
         {"extension too short", extensible(1, 21), 777},
         // 65535 x 65535 is -131071 as a signed number; an eighth of it is 0xC001 in 16 bits.
         {"block size wraps", plain(1, 0xFFFF, 0xFFFF, 1), 0xC001},
-        {"byte rate wraps", plain(1, 1, 16, 0xC0000000), INT32_MIN},
+        {"byte rate wraps", plain(1, 1, 16, 0xC0000000), 0x80000000},
+        {"never 0", plain(1, 0, 16, 44100), 1},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(WaveFormat(row.format).AvgBytesPerSec(), row.expected) << row.label;
+        EXPECT_EQ(ByteRate(row.format), row.expected) << row.label;
     }
-    const WaveFormat signedRate(plain(1, 2, 16, 0x80000000));
-    EXPECT_EQ(signedRate.SamplesPerSec(), INT32_MIN);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "decoders/DecoderRecords.h"
+#include "metadata/WaveFormat.h"
 
 #include <algorithm>
 #include <cstring>
@@ -102,21 +102,6 @@ inline std::string PlainUtf8(const std::wstring& text) {
     return bytes;
 }
 
-inline int64_t PlainByteRate(const AudioFormat& format) {
-    constexpr uint8_t kGuidTail[] = {0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
-    int tag = format.wFormatTag;
-    if (tag == 0xFFFE && format.cbSize >= 22 &&
-        std::equal(format.SubFormat + 2, std::end(format.SubFormat), kGuidTail)) {
-        tag = format.SubFormat[0] | format.SubFormat[1] << 8;
-    }
-    uint32_t rate = format.nAvgBytesPerSec;
-    if (tag == 1 || tag == 3) {
-        const int32_t bits = static_cast<int32_t>(uint32_t{format.nChannels} * format.wBitsPerSample);
-        rate = static_cast<uint16_t>(bits / 8) * format.nSamplesPerSec;
-    }
-    return rate != 0 ? static_cast<int32_t>(rate) : 1;
-}
-
 inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& converted,
                                   const std::wstring& lineEnd) {
     std::wstring document;
@@ -162,7 +147,7 @@ inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& conv
         number(L"\t\t\t", L"Channels", format.nChannels);
         number(L"\t\t\t", L"SamplesPerSec", static_cast<int32_t>(format.nSamplesPerSec));
         number(L"\t\t\t", L"BitsPerSample", format.wBitsPerSample);
-        number(L"\t\t\t", L"AvgBytesPerSec", PlainByteRate(format));
+        number(L"\t\t\t", L"AvgBytesPerSec", static_cast<int32_t>(ByteRate(format)));
         line(L"\t\t</AudioFormat>");
         line(L"\t\t<IDTags>");
         for (const PlainEntry& entry : file.idTags) {

@@ -1,6 +1,7 @@
 #include "support/XString.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <utility>
 
@@ -97,19 +98,10 @@ size_t XString::FindLast(wchar_t unit) const noexcept {
 }
 
 XString XString::FromInt64(int64_t value) {
-    wchar_t digits[20]; // 19 digits and a sign
-    wchar_t* const end = digits + std::size(digits);
-    wchar_t* first = end;
-    // Negating as unsigned keeps the most negative value, which has no positive twin.
-    uint64_t rest = value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
-    do {
-        *--first = static_cast<wchar_t>(L'0' + rest % 10);
-        rest /= 10;
-    } while (rest != 0);
-    if (value < 0) {
-        *--first = L'-';
-    }
-    return XString(first, static_cast<size_t>(end - first));
+    char digits[20]; // 19 digits and a sign
+    const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), value);
+    wchar_t units[std::size(digits)] = {};
+    return XString(units, static_cast<size_t>(std::copy(digits, end.ptr, units) - units));
 }
 
 void XString::Terminate(size_t length) noexcept {

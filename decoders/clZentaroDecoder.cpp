@@ -2,6 +2,16 @@
 
 #include <utility>
 
+namespace {
+
+std::span<const uint8_t> ListAt(const void* data, int32_t size) noexcept {
+    return data != nullptr && size > 0
+               ? std::span(static_cast<const uint8_t*>(data), static_cast<size_t>(size))
+               : std::span<const uint8_t>();
+}
+
+} // namespace
+
 bool clZentaroDecoder::Load(const wchar_t* libraryPath) {
     Unload();
     m_libraryPath.Assign(libraryPath);
@@ -61,6 +71,14 @@ bool clZentaroDecoder::Decodes(const wchar_t* extension) const noexcept {
     return false;
 }
 
-bool clZentaroDecoder::Open(DecoderOpenRecord& record) const noexcept {
-    return m_instance != nullptr && m_open(m_instance, &record) != 0;
+std::optional<DecoderReport> clZentaroDecoder::Open(const wchar_t* fileName,
+                                                    uint32_t openFlags) const noexcept {
+    DecoderOpenRecord record = {};
+    record.fileName = fileName;
+    record.openFlags = openFlags;
+    if (m_instance == nullptr || m_open(m_instance, &record) == 0) {
+        return {};
+    }
+    return DecoderReport{record.audioInfo, ListAt(record.IDTagData, record.IDTagByteSize),
+                         record.IDTagByteSize, ListAt(record.propertyData, record.propertyByteSize)};
 }

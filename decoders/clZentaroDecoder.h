@@ -4,6 +4,18 @@
 #include "decoders/XDLL.h"
 #include "support/XString.h"
 
+#include <optional>
+#include <span>
+
+/// What a decoder library reports about a file. The lists are in the library's memory, and end with the
+/// instance.
+struct DecoderReport {
+    AudioInfo audioInfo;
+    std::span<const uint8_t> idTags;     ///< packed tag list; empty when there is none
+    int32_t idTagByteSize;               ///< of the list, as the library says it; may be negative
+    std::span<const uint8_t> properties; ///< packed tag list; empty when there is none
+};
+
 /// One decoder library of the converter and at most one instance of its decoder.
 /// Destruction destroys the instance, then frees the library.
 class clZentaroDecoder {
@@ -31,8 +43,9 @@ public:
     /// Needs an instance.
     bool Decodes(const wchar_t* extension) const noexcept;
 
-    /// Opens a file as the record asks; false when the library fails or there is no instance.
-    bool Open(DecoderOpenRecord& record) const noexcept;
+    /// Opens a file and returns what `openFlags` (OpenFlags) ask for, and zeros elsewhere. Nothing when the
+    /// library fails or there is no instance.
+    std::optional<DecoderReport> Open(const wchar_t* fileName, uint32_t openFlags) const noexcept;
 
     /// Path of the bound library; empty when there is none.
     const XString& LibraryPath() const noexcept { return m_libraryPath; }

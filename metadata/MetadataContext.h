@@ -1,7 +1,6 @@
 #pragma once
 
 #include "support/DebugLog.h"
-#include "support/XFile.h"
 #include "support/XString.h"
 
 /// What the metadata code borrows from one plug-in instance for the length of a call.
@@ -11,5 +10,4 @@ struct MetadataContext {
     const XString& xsltFile;        ///< path of the style sheet; empty for none
     const XString& outputExtension; ///< appended as it stands; empty means ".xml"
     const XString& outputName;      ///< replaces the whole output path; empty for none
-    XFile& outputFile;              ///< opened and closed again for each document
 };

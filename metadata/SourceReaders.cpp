@@ -1,9 +1,12 @@
 #include "metadata/SourceReaders.h"
 
 #include "decoders/FindDecoder.h"
+#include "support/DebugLog.h"
+#include "support/XFile.h"
 #include "support/XFileFind.h"
 
 #include <iterator>
+#include <span>
 
 namespace {
 
@@ -47,11 +50,11 @@ XString WithFileName(const wchar_t* message, const XString& fileName) {
     return text;
 }
 
-/// What the three readers have in common. `copyResults` copies what it needs from the record while the
-/// library's instance, which owns the memory, still exists.
-template<class CopyResults>
+/// What the three readers have in common. `take` copies what it needs of the report while the library's
+/// instance, which owns the memory, still exists.
+template<class Take>
 int32_t ReadFromDecoder(const MetadataContext& context, const XString& fileName, const ReaderTexts& texts,
-                        OpenFlags flag, CopyResults copyResults) {
+                        OpenFlags flag, Take take) {
     Log(kEnter, context.log, texts.scope);
     if (!FileExists(fileName)) {
         LogError(WithFileName(texts.notExist, fileName).Text(), context.log, nullptr);
@@ -70,11 +73,8 @@ int32_t ReadFromDecoder(const MetadataContext& context, const XString& fileName,
     {
         clZentaroDecoder reader;
         if (reader.Load(chosen.LibraryPath().Text()) && reader.CreateInstance(context.decoderContext)) {
-            DecoderOpenRecord record = {};
-            record.fileName = fileName.Text();
-            record.openFlags = flag;
-            if (reader.Open(record)) {
-                copyResults(record);
+            if (const auto report = reader.Open(fileName.Text(), flag)) {
+                take(*report);
             } else {
                 LogError(WithFileName(texts.readFailed, fileName).Text(), context.log, nullptr);
                 result = -1;
@@ -87,9 +87,10 @@ int32_t ReadFromDecoder(const MetadataContext& context, const XString& fileName,
     return result;
 }
 
-void CopyList(ByteBuffer& out, const void* data, int32_t size) {
-    if (data != nullptr && size > 0) {
-        out.Assign(data, static_cast<uint32_t>(size));
+/// Nothing is copied of an empty list: `out` stays as it was.
+void CopyList(std::vector<uint8_t>& out, std::span<const uint8_t> list) {
+    if (!list.empty()) {
+        out.assign(list.begin(), list.end());
     }
 }
 
@@ -108,24 +109,22 @@ FILETIME ReadFileTime(const XString& fileName, FileTime which) {
 
 int32_t GetAudioInfo(const MetadataContext& context, const XString& fileName, AudioInfo& out) {
     return ReadFromDecoder(context, fileName, kAudioInfoTexts, kOpenAudioInfo,
-                           [&out](const DecoderOpenRecord& record) { out = record.audioInfo; });
+                           [&out](const DecoderReport& report) { out = report.audioInfo; });
 }
 
-int32_t GetAudioProperties(const MetadataContext& context, const XString& fileName, ByteBuffer& out) {
+int32_t GetAudioProperties(const MetadataContext& context, const XString& fileName,
+                           std::vector<uint8_t>& out) {
     return ReadFromDecoder(context, fileName, kAudioPropertiesTexts, kOpenAudioProperties,
-                           [&out](const DecoderOpenRecord& record) {
-                               CopyList(out, record.propertyData, record.propertyByteSize);
-                           });
+                           [&out](const DecoderReport& report) { CopyList(out, report.properties); });
 }
 
-int32_t GetIDTags(const MetadataContext& context, const XString& fileName, ByteBuffer& out) {
-    return ReadFromDecoder(context, fileName, kIDTagsTexts, kOpenIDTags,
-                           [&](const DecoderOpenRecord& record) {
-                               XString message(L"Pass.IDTagByteSize: ");
-                               message.Append(XString::FromInt64(record.IDTagByteSize));
-                               Log(message.Text(), context.log, kIDTagsTexts.scope);
-                               CopyList(out, record.IDTagData, record.IDTagByteSize);
-                           });
+int32_t GetIDTags(const MetadataContext& context, const XString& fileName, std::vector<uint8_t>& out) {
+    return ReadFromDecoder(context, fileName, kIDTagsTexts, kOpenIDTags, [&](const DecoderReport& report) {
+        XString message(L"Pass.IDTagByteSize: ");
+        message.Append(XString::FromInt64(report.idTagByteSize));
+        Log(message.Text(), context.log, kIDTagsTexts.scope);
+        CopyList(out, report.idTags);
+    });
 }
 
 XString GetFormattedFileDateTime(const MetadataContext& context, const XString& fileName, FileTime which) {

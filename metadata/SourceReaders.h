@@ -2,8 +2,10 @@
 
 #include "decoders/DecoderRecords.h"
 #include "metadata/MetadataContext.h"
-#include "support/ByteBuffer.h"
 #include "support/XString.h"
+
+#include <cstdint>
+#include <vector>
 
 // Facts about a file on disk: three that the converter's decoder library for its extension reports, and its
 // times.
@@ -16,10 +18,11 @@
 int32_t GetAudioInfo(const MetadataContext& context, const XString& fileName, AudioInfo& out);
 
 /// `out` receives a packed tag list, and stays as it was when the library has none.
-int32_t GetAudioProperties(const MetadataContext& context, const XString& fileName, ByteBuffer& out);
+int32_t GetAudioProperties(const MetadataContext& context, const XString& fileName,
+                           std::vector<uint8_t>& out);
 
 /// As GetAudioProperties.
-int32_t GetIDTags(const MetadataContext& context, const XString& fileName, ByteBuffer& out);
+int32_t GetIDTags(const MetadataContext& context, const XString& fileName, std::vector<uint8_t>& out);
 
 enum class FileTime { Created = 1, Modified = 2, Accessed = 3 };
 

@@ -2,8 +2,6 @@
 
 #include <msxml2.h>
 
-#include <limits>
-
 namespace {
 
 constexpr GUID kDomDocument = {0xF6D90F11, 0x9C73, 0x11D3, {0xB3, 0x2E, 0x00, 0xC0, 0x4F, 0x99, 0x0B, 0xB4}};
@@ -67,19 +65,15 @@ Bstr ParseReason(const ComPtr<IXMLDOMDocument>& xml) {
 }
 
 /// The stream's whole memory block, which may end behind what was written.
-void CopyMemoryBlock(IStream* stream, ByteBuffer& out) {
+void CopyMemoryBlock(IStream* stream, std::vector<uint8_t>& out) {
     HGLOBAL block = nullptr;
     static_cast<void>(GetHGlobalFromStream(stream, &block));
     // Without a block there is no result, not even an empty one to replace the output file with.
     ThrowUnless(block != nullptr);
-    const SIZE_T size = GlobalSize(block);
-    if (size > std::numeric_limits<uint32_t>::max()) {
-        throw std::bad_alloc();
-    }
-    if (size != 0) {
-        const void* bytes = GlobalLock(block);
+    if (const SIZE_T size = GlobalSize(block); size != 0) {
+        const auto* bytes = static_cast<const uint8_t*>(GlobalLock(block));
         ThrowUnless(bytes != nullptr);
-        out.Assign(bytes, static_cast<uint32_t>(size));
+        out.assign(bytes, bytes + size);
         GlobalUnlock(block);
     }
 }
@@ -87,8 +81,8 @@ void CopyMemoryBlock(IStream* stream, ByteBuffer& out) {
 } // namespace
 
 bool TransformDocument(const CreateRecord& log, const wchar_t* scope, const Bstr& document,
-                       const XString& styleSheetPath, ByteBuffer& out) {
-    const ComInitScope com; // outlives the objects, which are those of the try block
+                       const XString& styleSheetPath, std::vector<uint8_t>& out) {
+    const ComInitScope com; // COM ends after the try block has released its objects
     const wchar_t* const anyStep = L"Unexpected MS XML error: ";
     const wchar_t* step = anyStep; // the beginning of the error line
     try {

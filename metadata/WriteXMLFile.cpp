@@ -3,14 +3,15 @@
 #include "metadata/Document.h"
 #include "metadata/SourceReaders.h"
 #include "metadata/TransformDocument.h"
+#include "support/DebugLog.h"
 #include "support/Paths.h"
 #include "support/Utf8.h"
+#include "support/XFile.h"
 #include "support/XFileFind.h"
-#include "support/XStringList.h"
 
-#include <algorithm>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -51,12 +52,12 @@ void ReadTimes(FileTexts& texts, const MetadataContext& context, const XString& 
 struct Facts {
     FileFacts source;
     FileFacts converted;
-    ByteBuffer sourceTags;
-    ByteBuffer convertedProperties;
+    std::vector<uint8_t> sourceTags;
+    std::vector<uint8_t> convertedProperties;
 };
 
-TagList ListIn(const ByteBuffer& list) noexcept {
-    return ParseTagBlob(list.Data(), static_cast<int32_t>(list.Size()));
+TagList ListIn(const std::vector<uint8_t>& list) noexcept {
+    return ParseTagBlob(list.data(), static_cast<int32_t>(list.size()));
 }
 
 /// Takes the facts that the host supplies from its record, and reads the others.
@@ -90,16 +91,17 @@ void Gather(Facts& facts, const MetadataContext& context, const AfterConversionI
 }
 
 /// Replaces the file by the document in UTF-8. A file that cannot be opened or written is not reported.
-void WriteDocumentFile(XFile& file, const XString& path, const Facts& facts) {
+void WriteDocumentFile(const XString& path, const Facts& facts) {
     // All memory is taken before the file is opened: running out of it must not cost an existing file.
     constexpr size_t kMostHeld = 262'144; // few writes, and within a processor's second cache
     static_assert(XmlWriter::kChunkSize * kMostUtf8Bytes <= kMostHeld);
     const std::unique_ptr<char[]> bytes(new char[kMostHeld]);
     size_t held = 0;
-    bool isWritten = true;
+    XFile file;
+    bool hasFailed = false;
     const auto write = [&] {
         // Nothing follows bytes that could not be written, so that the file holds the document's beginning.
-        isWritten = isWritten && file.Write(bytes.get(), held);
+        hasFailed = hasFailed || !file.Write(bytes.get(), held);
         held = 0;
     };
     XmlWriter out("\r\n", [&](std::wstring_view chunk) {
@@ -111,32 +113,22 @@ void WriteDocumentFile(XFile& file, const XString& path, const Facts& facts) {
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
         WriteDocument(out, facts.source, facts.converted);
         write();
-        file.Close();
     }
 }
 
 /// The document as one text, with nothing between its lines.
 Bstr JoinDocument(const Facts& facts) {
-    XStringList chunks;
-    size_t size = 0;
-    XmlWriter out("", [&](std::wstring_view chunk) {
-        chunks.Add(XString(chunk.data(), chunk.size()));
-        size += chunk.size();
-    });
+    XString text;
+    XmlWriter out("", [&text](std::wstring_view chunk) { text.Append(chunk.data(), chunk.size()); });
     WriteDocument(out, facts.source, facts.converted);
-    Bstr text(size);
-    wchar_t* end = text.Get();
-    for (size_t i = 0; i < chunks.Count(); ++i) {
-        end = std::copy_n(chunks[i].Text(), chunks[i].Size(), end);
-    }
-    return text;
+    return Bstr(text);
 }
 
 /// As WriteDocumentFile, with the bytes of the transformed document.
-void ReplaceFile(XFile& file, const XString& path, const ByteBuffer& bytes) {
+void ReplaceFile(const XString& path, const std::vector<uint8_t>& bytes) {
+    XFile file;
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
-        file.Write(bytes.Data(), bytes.Size());
-        file.Close();
+        file.Write(bytes.data(), bytes.size());
     }
 }
 
@@ -156,14 +148,14 @@ int32_t WriteXMLFile(const MetadataContext& context, const AfterConversionInfo& 
     Facts facts;
     Gather(facts, context, info, sourceFile, convertedFile);
     if (transform) {
-        ByteBuffer transformed;
+        std::vector<uint8_t> transformed;
         if (FileExists(context.xsltFile) &&
             !TransformDocument(context.log, kScope, JoinDocument(facts), context.xsltFile, transformed)) {
             return 0;
         }
-        ReplaceFile(context.outputFile, outputPath, transformed);
+        ReplaceFile(outputPath, transformed);
     } else {
-        WriteDocumentFile(context.outputFile, outputPath, facts);
+        WriteDocumentFile(outputPath, facts);
     }
     Log(kLeave, context.log, kScope);
     return 1;

@@ -4,7 +4,6 @@
 #include "metadata/MetadataContext.h"
 #include "plugin/frmDSPSettings.h"
 #include "support/DebugLog.h"
-#include "support/XFile.h"
 #include "support/XString.h"
 
 #include <cstdint>
@@ -42,7 +41,7 @@ public:
 
 private:
     MetadataContext Context() noexcept {
-        return {m_record, this, m_xsltFile, m_outputExtension, m_outputName, m_outputFile};
+        return {m_record, this, m_xsltFile, m_outputExtension, m_outputName};
     }
 
     static constexpr int64_t kQueryMode = -123;
@@ -53,5 +52,4 @@ private:
     XString m_xsltFile;
     XString m_outputExtension;
     XString m_outputName;
-    XFile m_outputFile;
 };

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 bool XFile::Open(const XString& fileName, DWORD access, DWORD disposition) {
-    Close();
+    m_file.Reset();
     if (!fileName.IsEmpty()) {
         m_file.Reset(CreateFileW(MakeLongPath(fileName, kOpenPathLimit).Text(), access,
                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, disposition,

@@ -19,8 +19,6 @@ public:
     /// `data` may be null only when `count` is 0.
     bool Write(const void* data, size_t count) noexcept;
 
-    void Close() noexcept { m_file.Reset(); }
-
     /// The open handle, still owned here, or INVALID_HANDLE_VALUE.
     HANDLE Handle() const noexcept { return m_file.Get(); }
 

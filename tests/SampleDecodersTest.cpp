@@ -24,16 +24,16 @@ constexpr auto kWav = L"..\\..\\tools\\decoder\\wav.dll";
 constexpr auto kFlac = L"..\\..\\tools\\decoder\\flac.dll";
 
 /// "Name=value" for each entry, followed by the bytes of binary data, and " | " between entries.
-std::wstring Render(const void* list, int32_t size) {
+std::wstring Render(std::span<const uint8_t> list) {
     std::wstring text;
     int32_t count = 0;
-    for (const TagEntry& entry : ParseTagBlob(list, size)) {
+    for (const TagEntry& entry : ParseTagBlob(list.data(), static_cast<int32_t>(list.size()))) {
         ++count;
         const std::wstring raw(entry.rawData.begin(), entry.rawData.end());
         text += (text.empty() ? L"" : L" | ") + Wide(entry.name) + L'=' + Wide(entry.value);
         text += (raw.empty() ? L"" : L" #") + raw;
     }
-    EXPECT_EQ(*static_cast<const int32_t*>(list), count);
+    EXPECT_EQ(*reinterpret_cast<const int32_t*>(list.data()), count);
     return text;
 }
 
@@ -45,20 +45,18 @@ std::wstring Read(const wchar_t* library, const std::string& content) {
     WriteTestFile(file, content);
     clZentaroDecoder decoder;
     EXPECT_TRUE(decoder.Load(library) && decoder.CreateInstance(nullptr));
-    DecoderOpenRecord record = {};
-    record.fileName = file.c_str();
-    record.openFlags = kOpenAudioInfo | kOpenIDTags | kOpenAudioProperties;
-    if (!decoder.Open(record)) {
+    const auto report = decoder.Open(file.c_str(), kOpenAudioInfo | kOpenIDTags | kOpenAudioProperties);
+    if (!report) {
         return L"no";
     }
-    const AudioInfo& info = record.audioInfo;
+    const AudioInfo& info = report->audioInfo;
     const AudioFormat& f = info.format;
     EXPECT_EQ(int64_t{info.fileSize}, static_cast<int64_t>(content.size()));
     wchar_t text[120];
     swprintf(text, std::size(text), L"%d %d %d %u %d %d %u %d %lld\n", f.wFormatTag, f.cbSize, f.nChannels,
              f.nSamplesPerSec, f.wBitsPerSample, f.nBlockAlign, f.nAvgBytesPerSec, info.bitrate, info.length);
-    const std::wstring tags = Render(record.IDTagData, record.IDTagByteSize);
-    return text + Render(record.propertyData, record.propertyByteSize) + (tags.empty() ? L"" : L"\n") + tags;
+    const std::wstring tags = Render(report->idTags);
+    return text + Render(report->properties) + (tags.empty() ? L"" : L"\n") + tags;
 }
 
 std::string Chunk(const std::string& id, const std::string& content) {

@@ -81,9 +81,9 @@ bool Conversion::Run(const PluginInstance& instance) {
     info.sourceFileName = m_options.source.Text();
     info.destFileName = m_options.converted.Text();
     info.sourceAudioInfo = &m_source.audioInfo;
-    info.destIDTags = m_converted.idTags.Data();
-    info.destIDTagsSize = m_converted.idTags.Size();
-    info.sourceAudioProperties = m_source.audioProperties.Data();
-    info.sourceAudioPropertiesSize = m_source.audioProperties.Size();
+    info.destIDTags = m_converted.idTags.data();
+    info.destIDTagsSize = static_cast<uint32_t>(m_converted.idTags.size());
+    info.sourceAudioProperties = m_source.properties.data();
+    info.sourceAudioPropertiesSize = static_cast<uint32_t>(m_source.properties.size());
     return IsDone(L"DSP_AfterConversion", plugin.afterConversion(instance.Get(), &info)) && done;
 }

@@ -25,6 +25,6 @@ private:
     bool PassAudio(const PluginInstance& instance);
 
     const Options& m_options;
-    DecoderReport m_source;
-    DecoderReport m_converted;
+    FileReport m_source;
+    FileReport m_converted;
 };

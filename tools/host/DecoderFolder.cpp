@@ -19,15 +19,9 @@ bool FindLibrary(const XString& extension, clZentaroDecoder& decoder) {
     return false;
 }
 
-void CopyList(ByteBuffer& out, const void* list, int32_t size) {
-    if (list != nullptr && size > 0) {
-        out.Assign(list, static_cast<uint32_t>(size));
-    }
-}
-
 } // namespace
 
-bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, DecoderReport& report) {
+bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, FileReport& out) {
     if (!FileExists(fileName)) {
         PrintError(Concat(L"There is no file ", fileName));
         return false;
@@ -38,15 +32,13 @@ bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, DecoderReport&
         PrintError(Concat(L"No decoder library reads files with the extension ", extension));
         return false;
     }
-    DecoderOpenRecord record = {};
-    record.fileName = fileName.Text();
-    record.openFlags = openFlags;
-    if (!decoder.Open(record)) {
+    const auto report = decoder.Open(fileName.Text(), openFlags);
+    if (!report) {
         PrintError(Concat(GetFileName(decoder.LibraryPath()), L" cannot read ", fileName));
         return false;
     }
-    report.audioInfo = record.audioInfo;
-    CopyList(report.idTags, record.IDTagData, record.IDTagByteSize);
-    CopyList(report.audioProperties, record.propertyData, record.propertyByteSize);
+    out.audioInfo = report->audioInfo;
+    out.idTags.assign(report->idTags.begin(), report->idTags.end());
+    out.properties.assign(report->properties.begin(), report->properties.end());
     return true;
 }

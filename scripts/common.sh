@@ -103,7 +103,8 @@ start_wine() {
 # one_processor: the script and what it starts run on one processor from now on. A program and Wine's server take turns:
 # on two processors that have nothing else to do, each wakes the other from its sleep, which takes eight times as long.
 one_processor() {
-    if [[ $(taskset -cp $$) =~ ([0-9]+)[^:]*$ ]]; then # "pid N's current affinity list: 0-3"
+    # The first number behind the last colon in "pid 123's current affinity list: 0-3".
+    if [[ $(taskset -cp $$) =~ ([0-9]+)[^:]*$ ]]; then
         taskset -cp "${BASH_REMATCH[1]}" $$ >/dev/null || true # without it, the same takes longer
     fi
 }

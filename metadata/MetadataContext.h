@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/DebugLog.h"
+#include "support/CreateRecord.h"
 #include "support/XString.h"
 
 /// What the metadata code borrows from one plug-in instance for the length of a call.

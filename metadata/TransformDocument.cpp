@@ -1,5 +1,7 @@
 #include "metadata/TransformDocument.h"
 
+#include "support/DebugLog.h"
+
 #include <msxml2.h>
 
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/Com.h"
-#include "support/DebugLog.h"
+#include "support/CreateRecord.h"
 #include "support/XString.h"
 
 #include <cstdint>

@@ -34,26 +34,3 @@ inline wchar_t FirstOfElementName(Utf16View name) noexcept {
     }
     return 0;
 }
-
-/// Cuts a multi-valued text at each CR. An empty text has no part at all; a text that ends in CR has an empty
-/// last part. LF is an ordinary character.
-class SplitValues {
-public:
-    explicit SplitValues(Utf16View text) noexcept : m_rest(text), m_ended(text.IsEmpty()) {}
-
-    /// False when there are no further parts.
-    bool Next(Utf16View& part) noexcept {
-        if (m_ended) {
-            return false;
-        }
-        const size_t size = m_rest.Find(L'\r');
-        part = m_rest.First(size);
-        m_ended = size == m_rest.Size();
-        m_rest = m_ended ? Utf16View() : m_rest.After(size + 1);
-        return true;
-    }
-
-private:
-    Utf16View m_rest;
-    bool m_ended;
-};

@@ -1,6 +1,7 @@
 #include "plugin/Exports.h"
 
 #include "plugin/clDSP_WriteMetadataFile.h"
+#include "support/DebugLog.h"
 #include "support/gcc/MemoryReserve.h"
 
 #include <new>

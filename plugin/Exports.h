@@ -1,7 +1,7 @@
 #pragma once
 
 #include "metadata/AfterConversionInfo.h"
-#include "support/DebugLog.h"
+#include "support/CreateRecord.h"
 
 #include <windows.h>
 

@@ -2,6 +2,7 @@
 
 #include "metadata/WriteXMLFile.h"
 #include "plugin/ParseOptions.h"
+#include "support/DebugLog.h"
 #include "support/ThreadErrorModeScope.h"
 
 namespace {

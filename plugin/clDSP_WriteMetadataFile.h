@@ -3,7 +3,7 @@
 #include "metadata/AfterConversionInfo.h"
 #include "metadata/MetadataContext.h"
 #include "plugin/frmDSPSettings.h"
-#include "support/DebugLog.h"
+#include "support/CreateRecord.h"
 #include "support/XString.h"
 
 #include <cstdint>

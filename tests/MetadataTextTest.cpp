@@ -77,7 +77,7 @@ TEST(Utf8, ReplacesUnpairedSurrogates) {
     }
 }
 
-TEST(XmlText, SplitsAtCarriageReturns) {
+TEST(SplitValues, CutsAtCarriageReturns) {
     const std::pair<const wchar_t*, std::vector<std::wstring>> rows[] = {
         {L"", {}}, {L"a\rb\nc", {L"a", L"b\nc"}}, {L"\ra\r\r", {L"", L"a", L"", L""}}};
     for (const auto& [text, expected] : rows) {

@@ -3,6 +3,7 @@
 #include "decoders/DecoderCache.h"
 #include "support/ModuleFolder.h"
 #include "support/Paths.h"
+#include "support/XFileFind.h"
 
 #include <utility>
 
@@ -30,9 +31,14 @@ bool TryCachedLibrary(const XString& programFolder, const XString& extension, cl
     return TryDecoderLibrary(candidate.Text(), extension, decoder, context);
 }
 
-bool TryFolder(const XString& programFolder, const XString& extension, clZentaroDecoder& decoder,
-               void* context) {
-    XFileFind scan = ListDecoderLibraries(programFolder);
+} // namespace
+
+bool FindDecoderInFolder(const XString& programFolder, const XString& extension, clZentaroDecoder& decoder,
+                         void* context) {
+    XString pattern = programFolder.Copy();
+    EnsureTrailingBackslash(pattern);
+    pattern.Append(L"decoder\\*.dll");
+    XFileFind scan(std::move(pattern));
     while (scan.Next()) {
         if (!scan.IsFolder() && TryDecoderLibrary(scan.Path().Text(), extension, decoder, context)) {
             return true;
@@ -41,20 +47,11 @@ bool TryFolder(const XString& programFolder, const XString& extension, clZentaro
     return false;
 }
 
-} // namespace
-
-XFileFind ListDecoderLibraries(const XString& programFolder) {
-    XString pattern(programFolder.Text());
-    EnsureTrailingBackslash(pattern);
-    pattern.Append(L"decoder\\*.dll");
-    return XFileFind(std::move(pattern));
-}
-
 bool FindDecoderForFile(const XString& fileName, clZentaroDecoder& decoder, void* context) {
     const XString extension = GetFileExt(fileName);
     const XString programFolder = ModuleFolder(nullptr);
     if (!TryCachedLibrary(programFolder, extension, decoder, context) &&
-        !TryFolder(programFolder, extension, decoder, context)) {
+        !FindDecoderInFolder(programFolder, extension, decoder, context)) {
         return false;
     }
     WriteCacheEntry(extension, decoder.LibraryPath());

@@ -26,9 +26,9 @@ TEST(HostTool, ReportsTheDocumentOrTheFault) {
         {L"s.wave c.wave", 0, {"c.wave: ", "\\c.xml, "}},
         {L"--settings \"-ext=\\\".txt\\\"\" - c.wave", 0, {"\\c.txt, "}},
         {L"--trace t --errors e s.wave gone.wave", 1, {"There is no file ", "exist '", "gone.wave'\n"}},
-        {L"--settings \"-xsltfile=gone.xsl\" s.wave c.wave",
+        {L"--settings \"-xsltfile=gone.xsl -ext=.out\" s.wave c.wave",
          1,
-         {"c.xml, 0 bytes", "no style sheet gone.xsl"}},
+         {"c.out, 0 bytes", "no style sheet gone.xsl"}},
         {L"s.wave t", 1, {"No decoder library reads files with the extension ."}},
         {L"s.wave c._", 1, {"There is no file ", "did not write", "Write XML incompatible"}},
         {L"--plugin \"@..\\..\\tools\\decoder\\wav.dll\" s.wave c.wave", 1, {"does not export DSP_Create"}},
@@ -51,6 +51,8 @@ TEST(HostTool, ReportsTheDocumentOrTheFault) {
             EXPECT_NE(output.find(expected), std::string::npos) << expected << "\nin\n" << output;
         }
     }
+    const std::string document = ReadBytes(L"c.xml");
+    EXPECT_LT(document.find("<FileBitrate>128<"), document.find("<ConvertedFile>")) << "none of the source";
     EXPECT_TRUE(ReadUtf16(L"t").starts_with(L"IsLive"));
     EXPECT_TRUE(ReadUtf16(L"e").starts_with(L"Error reading"));
     SetCurrentDirectoryW(programs.c_str());

@@ -138,6 +138,9 @@ TEST(SampleDecoders, ReportWhatTheFileHolds) {
          Wave(Chunk("odd ", "odd") + mono + data + Format(1, 2, 1, 8) + Chunk("data", "x")), waveFacts},
         {kWav, "sizes not filled in", "RIFF" + Little(36) + "WAVE" + mono + Chunk("data", {}) + Zeros(160),
          waveFacts},
+        {kWav, "no audio, which tags follow",
+         Wave(mono + Chunk("data", {}) + Chunk("LIST", "INFO" + Chunk("INAM", "t"))),
+         L"1 0 1 8000 16 2 16000 128 0\nEncoding=PCM | Sample Count=0\nTitle=t"},
         {kWav, "short format of hostile size", Wave("fmt " + Little(0xFFFFFFF0) + Zeros(12)), L"no"},
         {kWav, "tags", Wave(mono + Chunk("LIST", "INFO" + infoTags) + data),
          waveFacts + L"\nTitle=ab | Genre=Grüß | Artist=A\rB | Comment= | IXYZ=" + ansi +

@@ -1,47 +1,34 @@
-// A sample decoder library, through its exports, on a file of any content that may be cut while it is read:
-// the lists that it returns must be well formed.
+// The parser of a sample decoder library on a file of any content: the lists that it makes must be well
+// formed.
 
-#include "decoders/DecoderRecords.h"
 #include "tests/fuzz/Require.h"
-#include "tests/native/TheFile.h"
 #include "tests/shared/PlainDocument.h"
-
-extern "C" {
-DecoderCreateFunction Create;
-DecoderDestroyFunction Destroy;
-DecoderOpenFunction Open;
-}
+#include "tools/decoders/Format.h"
 
 namespace {
 
-void RequireWhole(const void* list, int32_t size) {
+void RequireWhole(const std::vector<uint8_t>& list) {
     int32_t count = 0;
-    std::memcpy(&count, list, sizeof count);
-    const PlainList entries = ReadPlainly(static_cast<const uint8_t*>(list), size);
+    std::memcpy(&count, list.data(), sizeof count);
+    const PlainList entries = ReadPlainly(list.data(), static_cast<int64_t>(list.size()));
     Require(static_cast<size_t>(count) == entries.size(), "fewer entries than counted");
-    int64_t whole = sizeof count;
+    size_t whole = sizeof count;
     for (const PlainEntry& entry : entries) {
         const size_t units = entry.name.size() + 1 + entry.value.size() + 1;
         Require(entry.rawSize == 0 || entry.name == L"Picture", "a text that continues after its end");
-        whole += static_cast<int64_t>(sizeof(int32_t) + units * sizeof(wchar_t)) + entry.rawSize;
+        whole += sizeof(int32_t) + units * sizeof(wchar_t) + static_cast<size_t>(entry.rawSize);
     }
-    Require(whole == size, "a text without its end, or bytes after the last entry");
+    Require(whole == list.size(), "a text without its end, or bytes after the last entry");
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const size_t missing = size != 0 ? data[size - 1] % 4 : 0;
-    SetTheFile(data, size, size + missing);
-    void* const decoder = Create(nullptr);
-    DecoderOpenRecord all = {};
-    all.fileName = L"file";
-    all.openFlags = kOpenAudioInfo | kOpenIDTags | kOpenAudioProperties;
-    if (Open(decoder, &all) != 0) {
-        Require(static_cast<uint64_t>(all.audioInfo.fileSize) == size + missing, "file size");
-        RequireWhole(all.IDTagData, all.IDTagByteSize);
-        RequireWhole(all.propertyData, all.propertyByteSize);
+    FileContent content;
+    if (ReadFormat({reinterpret_cast<const char*>(data), size}, content)) {
+        Require(static_cast<uint64_t>(content.info.fileSize) == size, "file size");
+        RequireWhole(content.tags.Pack());
+        RequireWhole(content.properties.Pack());
     }
-    Destroy(decoder);
     return 0;
 }

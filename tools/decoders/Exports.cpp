@@ -1,10 +1,10 @@
 #include "decoders/DecoderRecords.h"
 #include "support/XString.h"
 #include "tools/decoders/Format.h"
+#include "tools/decoders/MappedFile.h"
 
 #include <exception>
 #include <new>
-#include <utility>
 #include <vector>
 
 // The nine exports of a sample decoder library (Decoder.def). No exception leaves the library: failures are
@@ -12,39 +12,8 @@
 
 namespace {
 
-class Decoder {
-public:
-    bool Open(DecoderOpenRecord& record) {
-        BoundedFile file;
-        AudioFacts facts;
-        if (!file.Open(record.fileName) || !ReadFormat(file, record.openFlags, facts)) {
-            return false;
-        }
-        if ((record.openFlags & kOpenAudioInfo) != 0) {
-            record.audioInfo = facts.info;
-        }
-        if ((record.openFlags & kOpenIDTags) != 0) {
-            const std::vector<uint8_t>& list = Keep(facts.tags);
-            record.IDTagData = list.data();
-            record.IDTagByteSize = static_cast<int32_t>(list.size());
-        }
-        if ((record.openFlags & kOpenAudioProperties) != 0) {
-            const std::vector<uint8_t>& list = Keep(facts.properties);
-            record.propertyData = list.data();
-            record.propertyByteSize = static_cast<int32_t>(list.size());
-        }
-        return true;
-    }
-
-private:
-    const std::vector<uint8_t>& Keep(const TagListBuilder& builder) {
-        m_handedOut.push_back(builder.Pack());
-        return m_handedOut.back();
-    }
-
-    // Every list that a caller was given: they stay valid until Destroy.
-    std::vector<std::vector<uint8_t>> m_handedOut;
-};
+/// An instance: every list that a caller was given. They stay valid until Destroy.
+using Lists = std::vector<std::vector<uint8_t>>;
 
 } // namespace
 
@@ -52,11 +21,11 @@ extern "C" {
 
 /// The context identifies the instance of the plug-in that calls; these libraries do not use it.
 void* Create(void* /*context*/) {
-    return new (std::nothrow) Decoder;
+    return new (std::nothrow) Lists;
 }
 
 void Destroy(void* instance) {
-    delete static_cast<Decoder*>(instance);
+    delete static_cast<Lists*>(instance);
 }
 
 int32_t Get(void* /*instance*/, const wchar_t* key, DecoderGetRecord* record) {
@@ -67,36 +36,39 @@ int32_t Get(void* /*instance*/, const wchar_t* key, DecoderGetRecord* record) {
     return record->text != nullptr;
 }
 
-int32_t Open(void* instance, DecoderOpenRecord* record) {
-    if (instance == nullptr || record == nullptr || record->fileName == nullptr) {
+int32_t Open(void* instance, DecoderOpenRecord* record) try {
+    MappedFile file;
+    FileContent content;
+    if (instance == nullptr || record == nullptr || record->fileName == nullptr ||
+        !file.Open(record->fileName) || !ReadFormat(file.Bytes(), content)) {
         return 0;
     }
-    try {
-        return static_cast<Decoder*>(instance)->Open(*record);
-    } catch (const std::exception&) {
-        return 0; // out of memory
+    Lists& lists = *static_cast<Lists*>(instance);
+    if ((record->openFlags & kOpenAudioInfo) != 0) {
+        record->audioInfo = content.info;
     }
+    if ((record->openFlags & kOpenIDTags) != 0) {
+        const std::vector<uint8_t>& list = lists.emplace_back(content.tags.Pack());
+        record->IDTagData = list.data();
+        record->IDTagByteSize = static_cast<int32_t>(list.size());
+    }
+    if ((record->openFlags & kOpenAudioProperties) != 0) {
+        const std::vector<uint8_t>& list = lists.emplace_back(content.properties.Pack());
+        record->propertyData = list.data();
+        record->propertyByteSize = static_cast<int32_t>(list.size());
+    }
+    return 1;
+} catch (const std::exception&) {
+    return 0; // out of memory
 }
 
-// A file is read whole by Open and closed again, and no audio is decoded or changed.
-
+/// A file is closed again by Open.
 int32_t Close(void* /*instance*/) {
     return 1;
 }
 
-int32_t Set(void* /*instance*/) {
-    return 0;
-}
-
-int32_t DecodeBlock(void* /*instance*/) {
-    return 0;
-}
-
-int32_t SetPosition(void* /*instance*/) {
-    return 0;
-}
-
-int32_t DeleteATag(void* /*instance*/) {
+/// Set, DecodeBlock, SetPosition and DeleteATag: no audio is decoded and nothing is changed.
+int32_t Refuse(void* /*instance*/) {
     return 0;
 }
 }

@@ -1,6 +1,6 @@
 #include "tools/decoders/TagListBuilder.h"
 
-#include <algorithm>
+#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -8,85 +8,54 @@ namespace {
 
 constexpr size_t kLargestList = std::numeric_limits<int32_t>::max();
 
-std::wstring_view UpToZero(std::wstring_view text) noexcept {
-    return text.substr(0, text.find(L'\0'));
+std::wstring UpToZero(std::wstring_view text) {
+    return std::wstring(text.substr(0, text.find(L'\0')));
 }
 
-std::wstring Folded(std::wstring_view name) {
-    std::wstring folded(name);
-    for (wchar_t& unit : folded) {
+std::wstring Folded(std::wstring name) {
+    for (wchar_t& unit : name) {
         if (unit >= L'a' && unit <= L'z') {
             unit = static_cast<wchar_t>(unit - L'a' + L'A');
         }
     }
-    return folded;
+    return name;
 }
 
-void Append(std::vector<uint8_t>& out, const void* data, size_t size) {
-    const size_t end = out.size();
-    out.resize(end + size);
-    std::copy_n(static_cast<const uint8_t*>(data), size, out.data() + end);
-}
-
-void AppendInt32(std::vector<uint8_t>& out, size_t value) {
-    const int32_t number = static_cast<int32_t>(value);
-    Append(out, &number, sizeof number);
-}
-
-/// The text with its terminating zero.
-void AppendText(std::vector<uint8_t>& out, const std::wstring& text) {
-    Append(out, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+template<class Unit>
+void Append(std::vector<uint8_t>& out, const Unit* units, size_t count) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(units);
+    out.insert(out.end(), bytes, bytes + count * sizeof *units);
 }
 
 } // namespace
 
-size_t TagListBuilder::Entry::PackedSize() const noexcept {
-    return sizeof(int32_t) + (name.size() + 1 + value.size() + 1) * sizeof(wchar_t) + data.size();
-}
-
-bool TagListBuilder::TakeRoom(size_t bytes) noexcept {
-    if (bytes > kLargestList - m_packedSize) {
-        return false;
-    }
-    m_packedSize += bytes;
-    return true;
-}
-
-void TagListBuilder::Add(std::wstring_view name, std::wstring_view value) {
-    name = UpToZero(name);
-    value = UpToZero(value);
-    std::wstring folded = Folded(name);
-    if (const auto known = m_indexByFoldedName.find(folded); known != m_indexByFoldedName.end()) {
-        if (TakeRoom((1 + value.size()) * sizeof(wchar_t))) {
-            std::wstring& values = m_entries[known->second].value;
-            values += L'\r';
-            values += value;
+void TagListBuilder::Add(std::wstring_view name, std::wstring_view value, std::string_view data) {
+    Entry entry{UpToZero(name), UpToZero(value), data};
+    if (data.empty()) {
+        const auto [known, isNew] = m_indexByFoldedName.try_emplace(Folded(entry.name), m_entries.size());
+        if (!isNew) {
+            m_entries[known->second].value += L'\r' + entry.value;
+            return;
         }
-        return;
     }
-    Entry entry{std::wstring(name), std::wstring(value), {}};
-    if (TakeRoom(entry.PackedSize())) {
-        m_indexByFoldedName.emplace(std::move(folded), m_entries.size());
-        m_entries.push_back(std::move(entry));
-    }
-}
-
-void TagListBuilder::AddBinary(std::wstring_view name, std::wstring_view value, std::vector<uint8_t>&& data) {
-    Entry entry{std::wstring(UpToZero(name)), std::wstring(UpToZero(value)), std::move(data)};
-    if (TakeRoom(entry.PackedSize())) {
-        m_entries.push_back(std::move(entry));
-    }
+    m_entries.push_back(std::move(entry));
 }
 
 std::vector<uint8_t> TagListBuilder::Pack() const {
-    std::vector<uint8_t> list;
-    list.reserve(m_packedSize);
-    AppendInt32(list, m_entries.size());
+    int32_t count = 0;
+    std::vector<uint8_t> list(sizeof count);
     for (const Entry& entry : m_entries) {
-        AppendInt32(list, entry.PackedSize());
-        AppendText(list, entry.name);
-        AppendText(list, entry.value);
-        Append(list, entry.data.data(), entry.data.size());
+        const size_t units = entry.name.size() + 1 + entry.value.size() + 1;
+        const size_t size = sizeof(int32_t) + units * sizeof(wchar_t) + entry.data.size();
+        if (size <= kLargestList - list.size()) {
+            const int32_t entrySize = static_cast<int32_t>(size);
+            Append(list, &entrySize, 1);
+            Append(list, entry.name.c_str(), entry.name.size() + 1);
+            Append(list, entry.value.c_str(), entry.value.size() + 1);
+            Append(list, entry.data.data(), entry.data.size());
+            ++count;
+        }
     }
+    std::memcpy(list.data(), &count, sizeof count);
     return list;
 }

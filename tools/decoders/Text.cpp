@@ -7,11 +7,9 @@ namespace {
 /// Empty also when the flags make the system refuse the text.
 std::wstring Convert(UINT codePage, DWORD flags, std::string_view text) {
     const int bytes = static_cast<int>(text.size());
-    const int units = bytes == 0 ? 0 : MultiByteToWideChar(codePage, flags, text.data(), bytes, nullptr, 0);
-    std::wstring wide(static_cast<size_t>(units), L'\0');
-    if (units != 0) {
-        MultiByteToWideChar(codePage, flags, text.data(), bytes, wide.data(), units);
-    }
+    std::wstring wide(text.size(), L'\0'); // no text takes more units than bytes
+    const int units = MultiByteToWideChar(codePage, flags, text.data(), bytes, wide.data(), bytes);
+    wide.resize(static_cast<size_t>(units));
     return wide;
 }
 
@@ -26,13 +24,10 @@ std::wstring FromUtf8OrAnsi(std::string_view text) {
     return wide.empty() ? Convert(CP_ACP, 0, text) : wide;
 }
 
-std::wstring HexText(const uint8_t* bytes, size_t size) {
-    constexpr wchar_t kDigits[] = L"0123456789abcdef";
+std::wstring Hex(uint32_t value, int digits) {
     std::wstring text;
-    text.reserve(2 * size);
-    for (size_t i = 0; i < size; ++i) {
-        text += kDigits[bytes[i] >> 4];
-        text += kDigits[bytes[i] & 15];
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
+        text += L"0123456789abcdef"[value >> shift & 15];
     }
     return text;
 }

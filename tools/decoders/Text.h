@@ -12,5 +12,5 @@ std::wstring FromUtf8(std::string_view text);
 /// From UTF-8 when all of it is valid UTF-8, else from the ANSI code page of the system.
 std::wstring FromUtf8OrAnsi(std::string_view text);
 
-/// Two lower-case hexadecimal digits for each byte, in order.
-std::wstring HexText(const uint8_t* bytes, size_t size);
+/// The last `digits` hexadecimal digits of a number, in lower case.
+std::wstring Hex(uint32_t value, int digits);

@@ -1,11 +1,13 @@
+#include "metadata/WaveFormat.h"
 #include "tools/decoders/Format.h"
 #include "tools/decoders/Text.h"
 #include "tools/decoders/WaveFile.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
+#include <limits>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -14,105 +16,61 @@ constexpr uint16_t kFloat = 3;
 constexpr uint16_t kExtensible = 0xFFFE;
 constexpr uint16_t kExtensionSize = 22;
 
-struct Named {
-    uint32_t id;
-    const wchar_t* name;
-};
+// In UTF-16 it takes twice the room, and a tag list counts its bytes in a signed 32-bit number.
+constexpr size_t kLargestText = std::numeric_limits<int32_t>::max() / 2;
 
-constexpr Named kEncodings[] = {
+constexpr std::pair<uint16_t, const wchar_t*> kEncodings[] = {
     {kPcm, L"PCM"}, {2, L"Microsoft ADPCM"}, {kFloat, L"IEEE Float"}, {6, L"A-law"},
     {7, L"mu-law"}, {0x11, L"IMA ADPCM"},    {0x50, L"MPEG"},         {0x55, L"MPEG Layer 3"},
 };
 
-constexpr Named kInfoNames[] = {
-    {RiffId("INAM"), L"Title"},    {RiffId("IART"), L"Artist"},   {RiffId("IPRD"), L"Album"},
-    {RiffId("ITRK"), L"Track"},    {RiffId("IPRT"), L"Track"},    {RiffId("ICRD"), L"Date"},
-    {RiffId("IGNR"), L"Genre"},    {RiffId("ICMT"), L"Comment"},  {RiffId("ICOP"), L"Copyright"},
-    {RiffId("IENG"), L"Engineer"}, {RiffId("IMUS"), L"Composer"}, {RiffId("ISBJ"), L"Subject"},
-    {RiffId("IKEY"), L"Keywords"}, {RiffId("ISRC"), L"Source"},   {RiffId("ITCH"), L"Encoded By"},
-    {RiffId("ISFT"), L"Encoder"},  {RiffId("ILNG"), L"Language"},
+constexpr std::pair<std::string_view, const wchar_t*> kInfoNames[] = {
+    {"INAM", L"Title"},     {"IART", L"Artist"},   {"IPRD", L"Album"},      {"ITRK", L"Track"},
+    {"IPRT", L"Track"},     {"ICRD", L"Date"},     {"IGNR", L"Genre"},      {"ICMT", L"Comment"},
+    {"ICOP", L"Copyright"}, {"IENG", L"Engineer"}, {"IMUS", L"Composer"},   {"ISBJ", L"Subject"},
+    {"IKEY", L"Keywords"},  {"ISRC", L"Source"},   {"ITCH", L"Encoded By"}, {"ISFT", L"Encoder"},
+    {"ILNG", L"Language"},
 };
 
 /// Null when the table does not know the id.
-template<size_t count>
-const wchar_t* NameOf(const Named (&table)[count], uint32_t id) noexcept {
-    for (const Named& row : table) {
-        if (row.id == id) {
-            return row.name;
+template<class Id, size_t count>
+const wchar_t* NameOf(const std::pair<Id, const wchar_t*> (&table)[count], Id id) noexcept {
+    for (const auto& [known, name] : table) {
+        if (known == id) {
+            return name;
         }
     }
     return nullptr;
 }
 
-/// The format tag, or the one that the sub-format of an extensible format stands for.
-uint16_t EffectiveTag(const AudioFormat& format) noexcept {
-    // {xxxxxxxx-0000-0010-8000-00AA00389B71} carries a plain tag in its first two bytes.
-    constexpr uint8_t kTail[] = {0, 0, 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
-    uint16_t tag = format.wFormatTag;
-    if (tag == kExtensible && format.cbSize >= kExtensionSize &&
-        std::memcmp(format.SubFormat + sizeof tag, kTail, sizeof kTail) == 0) {
-        std::memcpy(&tag, format.SubFormat, sizeof tag);
-    }
-    return tag;
-}
-
-/// "0x" and the digits, the highest first.
-template<class Number>
-std::wstring HexNumber(Number value) {
-    uint8_t bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
-    std::reverse(std::begin(bytes), std::end(bytes));
-    return L"0x" + HexText(bytes, sizeof bytes);
-}
-
-AudioInfo MakeInfo(const WaveFile& wave, uint64_t fileSize) noexcept {
-    AudioInfo info = {};
-    info.format = wave.format;
-    info.fileSize = static_cast<int64_t>(fileSize);
-    if (const uint64_t rate = wave.format.nAvgBytesPerSec; rate != 0) {
-        info.bitrate = static_cast<int32_t>((rate * 8 + 500) / 1000);
-        info.length = static_cast<int64_t>(wave.audioSize * 1000 / rate);
-    }
-    return info;
-}
-
 void AddProperties(const WaveFile& wave, TagListBuilder& properties) {
     const uint16_t tag = EffectiveTag(wave.format);
     const wchar_t* const encoding = NameOf(kEncodings, tag);
-    properties.Add(L"Encoding", encoding != nullptr ? encoding : HexNumber(tag));
+    properties.Add(L"Encoding", encoding != nullptr ? encoding : L"0x" + Hex(tag, 4));
     if ((tag == kPcm || tag == kFloat) && wave.format.nBlockAlign != 0) {
-        properties.Add(L"Sample Count", std::to_wstring(wave.audioSize / wave.format.nBlockAlign));
+        properties.Add(L"Sample Count", std::to_wstring(wave.audio.size() / wave.format.nBlockAlign));
     }
     if (wave.format.wFormatTag == kExtensible && wave.format.cbSize >= kExtensionSize) {
-        properties.Add(L"Channels Mask", HexNumber<uint32_t>(wave.format.dwChannelMask));
+        properties.Add(L"Channels Mask", L"0x" + Hex(wave.format.dwChannelMask, 8));
     }
 }
 
 /// The known name of an INFO id, else its four characters; empty when they are not printable.
-std::wstring InfoName(uint32_t id) {
+std::wstring InfoName(std::string_view id) {
     if (const wchar_t* const known = NameOf(kInfoNames, id); known != nullptr) {
         return known;
     }
-    std::wstring name;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const wchar_t unit = static_cast<wchar_t>(id >> shift & 0xFF);
-        if (unit < L' ' || unit > L'~') {
-            return {};
-        }
-        name += unit;
-    }
-    return name;
+    const bool isPrintable = std::all_of(id.begin(), id.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    return isPrintable ? std::wstring(id.begin(), id.end()) : std::wstring();
 }
 
-void AddInfoTags(Section list, TagListBuilder& tags) {
-    uint32_t id = 0;
+void AddInfoTags(Reader list, TagListBuilder& tags) {
+    std::string_view id;
     uint32_t size = 0;
-    while (list.ReadLittle(id) && list.ReadLittle(size)) {
-        Section entry = list.Take(size);
-        list.Skip(size & 1);
-        const std::wstring name = InfoName(id);
-        std::string text;
-        if (!name.empty() && entry.ReadText(text, entry.Left())) {
+    while (list.Read(id, 4) && list.Read(size)) {
+        const std::string_view text = list.Take(size);
+        list.Take(size & 1);
+        if (const std::wstring name = InfoName(id); !name.empty() && text.size() <= kLargestText) {
             tags.Add(name, FromUtf8OrAnsi(text));
         }
     }
@@ -125,17 +83,20 @@ const wchar_t* FormatExtension(uint32_t index) noexcept {
     return index < std::size(kExtensions) ? kExtensions[index] : nullptr;
 }
 
-bool ReadFormat(BoundedFile& file, uint32_t openFlags, AudioFacts& facts) {
+bool ReadFormat(std::string_view file, FileContent& out) {
     WaveFile wave;
     if (!ReadWaveFile(file, wave)) {
         return false;
     }
-    facts.info = MakeInfo(wave, file.Size());
-    AddProperties(wave, facts.properties);
-    if ((openFlags & kOpenIDTags) != 0) {
-        for (const Section& list : wave.infoLists) {
-            AddInfoTags(list, facts.tags);
-        }
+    out.info.format = wave.format;
+    out.info.fileSize = static_cast<int64_t>(file.size());
+    if (const uint64_t rate = wave.format.nAvgBytesPerSec; rate != 0) {
+        out.info.bitrate = static_cast<int32_t>((rate * 8 + 500) / 1000);
+        out.info.length = static_cast<int64_t>(wave.audio.size() * 1000 / rate);
+    }
+    AddProperties(wave, out.properties);
+    for (const Reader& list : wave.infoLists) {
+        AddInfoTags(list, out.tags);
     }
     return true;
 }

@@ -1,8 +1,6 @@
 #include "tools/decoders/WaveFile.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstring>
 
 namespace {
 
@@ -10,52 +8,51 @@ constexpr uint32_t kUnknownSize = 0xFFFFFFFF;
 constexpr size_t kPlainFormatSize = offsetof(AudioFormat, cbSize);
 constexpr size_t kFormatHeadSize = offsetof(AudioFormat, samples);
 
-bool ReadFormatChunk(Section chunk, AudioFormat& format) {
-    uint8_t bytes[sizeof format] = {};
-    const size_t size = static_cast<size_t>(std::min<uint64_t>(chunk.Left(), sizeof bytes));
-    if (size < kPlainFormatSize || !chunk.Read(bytes, size)) {
+bool ReadFormatChunk(std::string_view chunk, AudioFormat& format) {
+    const size_t size = std::min(chunk.size(), sizeof format);
+    if (size < kPlainFormatSize) {
         return false;
     }
-    std::memcpy(&format, bytes, sizeof format);
-    const size_t extensionSize = size > kFormatHeadSize ? size - kFormatHeadSize : 0;
+    std::memcpy(&format, chunk.data(), size);
+    const size_t extensionSize = std::max(size, kFormatHeadSize) - kFormatHeadSize;
     format.cbSize = static_cast<uint16_t>(std::min<size_t>(format.cbSize, extensionSize));
     return true;
 }
 
 } // namespace
 
-bool ReadWaveFile(BoundedFile& file, WaveFile& out) {
-    Section rest(file);
-    uint32_t riff = 0;
-    uint32_t riffSize = 0;
-    uint32_t form = 0;
-    if (!rest.ReadLittle(riff) || riff != RiffId("RIFF") || !rest.ReadLittle(riffSize) ||
-        !rest.ReadLittle(form) || form != RiffId("WAVE")) {
+bool ReadWaveFile(std::string_view file, WaveFile& out) {
+    Reader rest(file);
+    std::string_view riff;
+    std::string_view form;
+    uint32_t riffSize = 0; // of what follows it
+    if (!rest.Read(riff, 4) || riff != "RIFF" || !rest.Read(riffSize) || !rest.Read(form, 4) ||
+        form != "WAVE") {
         return false;
     }
-    const uint64_t riffEnd = rest.Offset() - sizeof form + riffSize;
+    const uint64_t riffEnd = sizeof "RIFF" - 1 + sizeof riffSize + uint64_t{riffSize};
 
     bool hasFormat = false;
     bool hasAudio = false;
-    uint32_t id = 0;
+    std::string_view id;
     uint32_t size = 0;
-    while (rest.ReadLittle(id) && rest.ReadLittle(size)) {
-        if (id == RiffId("data") && !hasAudio) {
-            const bool unfinished = size == kUnknownSize || (size == 0 && riffEnd <= rest.Offset());
-            Section audio = rest.Take(unfinished ? rest.Left() : size);
-            out.audioOffset = audio.Offset();
-            out.audioSize = audio.Left();
+    while (rest.Read(id, 4) && rest.Read(size)) {
+        if (id == "data" && !hasAudio) {
+            const bool unfinished =
+                size == kUnknownSize || (size == 0 && riffEnd <= file.size() - rest.Remaining());
+            out.audio = rest.Take(unfinished ? rest.Remaining() : size);
             hasAudio = true;
         } else {
-            Section chunk = rest.Take(size);
-            uint32_t listType = 0;
-            if (id == RiffId("fmt ") && !hasFormat) {
+            const std::string_view chunk = rest.Take(size);
+            Reader list(chunk);
+            std::string_view listType;
+            if (id == "fmt " && !hasFormat) {
                 hasFormat = ReadFormatChunk(chunk, out.format);
-            } else if (id == RiffId("LIST") && chunk.ReadLittle(listType) && listType == RiffId("INFO")) {
-                out.infoLists.push_back(chunk);
+            } else if (id == "LIST" && list.Read(listType, 4) && listType == "INFO") {
+                out.infoLists.push_back(list);
             }
         }
-        rest.Skip(size & 1); // chunks begin at even offsets
+        rest.Take(size & 1); // chunks begin at even offsets
     }
     return hasFormat;
 }

@@ -1,14 +1,15 @@
 #include "tools/host/Conversion.h"
 
+#include "tools/decoders/MappedFile.h"
 #include "tools/decoders/WaveFile.h"
 #include "tools/host/Console.h"
+#include "tools/host/DecoderFolder.h"
 
-#include <algorithm>
-#include <vector>
+#include <string>
 
 namespace {
 
-constexpr uint64_t kBlockSize = 65536;
+constexpr size_t kBlockSize = 65536;
 
 /// Whether an export answered 1; else reports it.
 bool IsDone(const wchar_t* name, int32_t answer) {
@@ -18,43 +19,17 @@ bool IsDone(const wchar_t* name, int32_t answer) {
     return answer == 1;
 }
 
-Section AudioOf(BoundedFile& file) {
-    Section audio(file);
-    WaveFile wave;
-    if (ReadWaveFile(file, wave)) {
-        audio.Skip(wave.audioOffset);
-        audio = audio.Take(wave.audioSize);
-    }
-    return audio;
-}
-
-} // namespace
-
-bool Conversion::HasSourceFile() const noexcept {
-    return Compare(m_options.source.Text(), L"-") != 0;
-}
-
-bool Conversion::GatherFacts() {
-    const bool hasSource = !HasSourceFile() ||
-                           ReadWithDecoder(m_options.source, kOpenAudioInfo | kOpenAudioProperties, m_source);
-    const bool hasConverted = ReadWithDecoder(m_options.converted, kOpenIDTags, m_converted);
-    return hasSource && hasConverted;
-}
-
-bool Conversion::PassAudio(const PluginInstance& instance) {
-    BoundedFile file;
-    if (!file.Open(m_options.source.Text())) {
-        PrintError(Concat(L"Cannot open ", m_options.source));
+bool PassAudio(const PluginInstance& instance, const XString& source) {
+    MappedFile file;
+    if (!file.Open(source.Text())) {
+        PrintError(Concat(L"Cannot open ", source));
         return false;
     }
-    Section audio = AudioOf(file);
-    std::vector<uint8_t> block;
-    while (audio.Left() != 0) {
-        if (!audio.ReadBytes(block, std::min(kBlockSize, audio.Left()))) {
-            PrintError(Concat(L"Cannot read ", m_options.source));
-            return false;
-        }
-        std::vector<uint8_t> passed = block;
+    WaveFile wave;
+    Reader audio(ReadWaveFile(file.Bytes(), wave) ? wave.audio : file.Bytes());
+    while (audio.Remaining() != 0) {
+        const std::string_view block = audio.Take(kBlockSize);
+        std::string passed(block);
         const uint32_t size = static_cast<uint32_t>(passed.size());
         if (!IsDone(L"DSP_PassAudioBlock",
                     instance.Plugin().passAudioBlock(instance.Get(), passed.data(), size))) {
@@ -68,22 +43,30 @@ bool Conversion::PassAudio(const PluginInstance& instance) {
     return true;
 }
 
-bool Conversion::Run(const PluginInstance& instance) {
+} // namespace
+
+bool RunConversion(const PluginInstance& instance, const Options& options) {
     const PluginLibrary& plugin = instance.Plugin();
-    bool done = IsDone(L"DSP_BeginConversion",
-                       plugin.beginConversion(instance.Get(), nullptr, m_options.settings.Text(), nullptr));
-    if (HasSourceFile()) {
-        done = PassAudio(instance) && done;
-    }
+    const bool hasSource = Compare(options.source.Text(), L"-") != 0;
+    clZentaroDecoder decoders[2];
+    DecoderReport source = {};
+    DecoderReport converted = {};
+    bool done = !hasSource ||
+                ReadWithDecoder(options.source, kOpenAudioInfo | kOpenAudioProperties, decoders[0], source);
+    done = ReadWithDecoder(options.converted, kOpenIDTags, decoders[1], converted) && done;
+    done = IsDone(L"DSP_BeginConversion",
+                  plugin.beginConversion(instance.Get(), nullptr, options.settings.Text(), nullptr)) &&
+           done;
+    done = (!hasSource || PassAudio(instance, options.source)) && done;
     done = IsDone(L"DSP_EndConversion", plugin.endConversion(instance.Get())) && done;
 
     AfterConversionInfo info = {};
-    info.sourceFileName = m_options.source.Text();
-    info.destFileName = m_options.converted.Text();
-    info.sourceAudioInfo = &m_source.audioInfo;
-    info.destIDTags = m_converted.idTags.data();
-    info.destIDTagsSize = static_cast<uint32_t>(m_converted.idTags.size());
-    info.sourceAudioProperties = m_source.properties.data();
-    info.sourceAudioPropertiesSize = static_cast<uint32_t>(m_source.properties.size());
+    info.sourceFileName = options.source.Text();
+    info.destFileName = options.converted.Text();
+    info.sourceAudioInfo = &source.audioInfo;
+    info.destIDTags = converted.idTags.data();
+    info.destIDTagsSize = static_cast<uint32_t>(converted.idTags.size());
+    info.sourceAudioProperties = source.properties.data();
+    info.sourceAudioPropertiesSize = static_cast<uint32_t>(source.properties.size());
     return IsDone(L"DSP_AfterConversion", plugin.afterConversion(instance.Get(), &info)) && done;
 }

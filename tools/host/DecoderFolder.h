@@ -1,19 +1,10 @@
 #pragma once
 
-#include "decoders/DecoderRecords.h"
-#include "support/XString.h"
-
-#include <vector>
-
-/// What the converter knows about a file.
-struct FileReport {
-    AudioInfo audioInfo = {};
-    std::vector<uint8_t> idTags;     ///< packed tag list, or empty
-    std::vector<uint8_t> properties; ///< packed tag list, or empty
-};
+#include "decoders/clZentaroDecoder.h"
 
 /// Reads what `openFlags` (OpenFlags) ask for with the first library in the folder "decoder" beside the
-/// program that lists the file's extension. The converter knows its libraries, so no registry cache is used.
-/// False, after a message, when there is no such file, no library lists the extension or the library cannot
-/// read the file.
-bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, FileReport& out);
+/// program that lists the file's extension; `decoder` then holds it, and with it what `report` points to. The
+/// converter knows its libraries, so no registry cache is used. False, after a message, when there is no such
+/// file, no library lists the extension or the library cannot read the file.
+bool ReadWithDecoder(const XString& fileName, uint32_t openFlags, clZentaroDecoder& decoder,
+                     DecoderReport& report);

@@ -2,7 +2,6 @@
 
 #include "plugin/ParseOptions.h"
 #include "support/Paths.h"
-#include "support/XFileFind.h"
 #include "tools/host/Console.h"
 
 namespace {
@@ -30,16 +29,12 @@ WIN32_FILE_ATTRIBUTE_DATA Attributes(const XString& path) {
 } // namespace
 
 DocumentFile::DocumentFile(const Options& options)
-    : m_styleSheet(Setting(options, L"xsltfile")), m_path(DocumentPath(options)),
-      m_writtenBefore(Attributes(m_path).ftLastWriteTime) {}
-
-bool DocumentFile::LacksStyleSheet() const {
-    return !m_styleSheet.IsEmpty() && !FileExists(m_styleSheet);
-}
+    : path(DocumentPath(options)), styleSheet(Setting(options, L"xsltfile")),
+      writtenBefore(Attributes(path).ftLastWriteTime) {}
 
 int64_t DocumentFile::WrittenSize() const {
-    const WIN32_FILE_ATTRIBUTE_DATA now = Attributes(m_path);
-    if (CompareFileTime(&now.ftLastWriteTime, &m_writtenBefore) == 0) {
+    const WIN32_FILE_ATTRIBUTE_DATA now = Attributes(path);
+    if (CompareFileTime(&now.ftLastWriteTime, &writtenBefore) == 0) {
         return -1;
     }
     return static_cast<int64_t>(now.nFileSizeHigh) << 32 | now.nFileSizeLow;

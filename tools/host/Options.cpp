@@ -46,16 +46,6 @@ bool IsEqual(const XString& a, const wchar_t* b) {
     return Compare(a.Text(), b) == 0;
 }
 
-/// Where an option's text value goes, or null for other arguments.
-XString Options::*FindTextOption(const XString& argument) {
-    for (const auto& option : kTextOptions) {
-        if (IsEqual(argument, option.name)) {
-            return option.value;
-        }
-    }
-    return nullptr;
-}
-
 /// The plug-in must get whole paths. An empty path, "-" and what the system refuses stay as they are.
 void MakeAbsolute(XString& path) {
     if (path.IsEmpty() || IsEqual(path, L"-")) {
@@ -70,21 +60,16 @@ void MakeAbsolute(XString& path) {
 
 } // namespace
 
-XStringList CommandLineArguments() {
+XString ParseCommandLine(Options& options) {
     int count = 0;
     const OwnedArguments arguments(CommandLineToArgvW(GetCommandLineW(), &count));
-    XStringList list;
-    for (int i = 1; arguments.IsValid() && i < count; ++i) {
-        list.Add(XString(arguments.Get()[i]));
-    }
-    return list;
-}
-
-XString ParseArguments(const XStringList& arguments, Options& options) {
     size_t fileCount = 0;
-    for (size_t i = 0; i < arguments.Count(); ++i) {
-        const XString& argument = arguments[i];
-        XString Options::*const textValue = FindTextOption(argument);
+    for (int i = 1; arguments.IsValid() && i < count; ++i) {
+        const XString argument(arguments.Get()[i]);
+        XString Options::*textValue = nullptr;
+        for (const auto& option : kTextOptions) {
+            textValue = IsEqual(argument, option.name) ? option.value : textValue;
+        }
         if (IsEqual(argument, L"--help")) {
             options.help = true;
             return XString();
@@ -94,10 +79,10 @@ XString ParseArguments(const XStringList& arguments, Options& options) {
             continue;
         }
         if (textValue != nullptr) {
-            if (++i == arguments.Count()) {
+            if (++i == count) {
                 return Concat(argument, L" needs a value");
             }
-            (options.*textValue).Assign(arguments[i].Text());
+            (options.*textValue).Assign(arguments.Get()[i]);
         } else if (argument.At(1) == L'-' && argument.Size() > 1) {
             return Concat(L"unknown option ", argument);
         } else if (++fileCount <= 2) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "support/XString.h"
-#include "support/XStringList.h"
 
 /// What the command line asks for. All paths are absolute.
 struct Options {
@@ -18,8 +17,5 @@ struct Options {
 /// Text for --help.
 extern const wchar_t* const kHelp;
 
-/// The process's arguments, without the program (CommandLineToArgvW).
-XStringList CommandLineArguments();
-
-/// Reads the arguments into `options`. The result is empty, or says what is wrong with them.
-XString ParseArguments(const XStringList& arguments, Options& options);
+/// Reads the process's arguments (CommandLineToArgvW). The result is empty, or says what is wrong with them.
+XString ParseCommandLine(Options& options);

@@ -1,4 +1,5 @@
 #include "support/Paths.h"
+#include "support/XFileFind.h"
 #include "tools/host/Console.h"
 #include "tools/host/Conversion.h"
 #include "tools/host/DocumentFile.h"
@@ -28,26 +29,25 @@ bool LoadPlugin(PluginLibrary& plugin, const XString& path) {
 }
 
 bool Convert(const PluginInstance& instance, const Options& options) {
-    Conversion conversion(options);
-    const bool hasFacts = conversion.GatherFacts();
     const DocumentFile document(options);
-    const bool done = conversion.Run(instance);
+    const bool done = RunConversion(instance, options);
     const int64_t size = document.WrittenSize();
     if (size < 0) {
-        PrintError(Concat(L"The plug-in did not write ", document.Path()));
+        PrintError(Concat(L"The plug-in did not write ", document.path));
         return false;
     }
-    PrintLine(Concat(GetFileName(options.converted), L": ", document.Path(), L", ", XString::FromInt64(size),
+    PrintLine(Concat(GetFileName(options.converted), L": ", document.path, L", ", XString::FromInt64(size),
                      L" bytes"));
-    if (document.LacksStyleSheet()) {
-        PrintError(Concat(L"There is no style sheet ", document.StyleSheet()));
+    if (!document.styleSheet.IsEmpty() && !FileExists(document.styleSheet)) {
+        // The plug-in leaves an empty document then, and reports nothing.
+        PrintError(Concat(L"There is no style sheet ", document.styleSheet));
         return false;
     }
-    if (size == 0 && document.StyleSheet().IsEmpty()) { // a style sheet may have nothing to write
+    if (size == 0 && document.styleSheet.IsEmpty()) { // a style sheet may have nothing to write
         PrintError(XString(L"The document is empty"));
         return false;
     }
-    return hasFacts && done;
+    return done;
 }
 
 bool EditSettings(const PluginInstance& instance, XString settings) {
@@ -87,7 +87,7 @@ ExitStatus Run(const Options& options) {
 
 int main() {
     Options options;
-    const XString problem = ParseArguments(CommandLineArguments(), options);
+    const XString problem = ParseCommandLine(options);
     if (!problem.IsEmpty()) {
         PrintError(Concat(L"dsphost: ", problem, L" (--help shows more)"));
         return kWrongArguments;

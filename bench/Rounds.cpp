@@ -28,12 +28,12 @@ Rounds::Rounds(const std::vector<Job>& jobs, double seconds) : m_times(jobs.size
     for (const Job& job : jobs) {
         job();
     }
-    constexpr size_t kFewestRounds = 5;
+    constexpr size_t kMinRounds = 5;
     std::vector<size_t> order(jobs.size());
     std::iota(order.begin(), order.end(), size_t{0});
     std::mt19937 random; // the same orders in every run
     const double end = ::Milliseconds() + 1000 * seconds;
-    while (m_times[0].size() < kFewestRounds || ::Milliseconds() < end) {
+    while (m_times[0].size() < kMinRounds || ::Milliseconds() < end) {
         std::shuffle(order.begin(), order.end(), random);
         for (const size_t job : order) {
             const double begin = ::Milliseconds();

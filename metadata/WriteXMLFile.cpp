@@ -93,9 +93,9 @@ void Gather(Facts& facts, const MetadataContext& context, const AfterConversionI
 /// Replaces the file by the document in UTF-8. A file that cannot be opened or written is not reported.
 void WriteDocumentFile(const XString& path, const Facts& facts) {
     // All memory is taken before the file is opened: running out of it must not cost an existing file.
-    constexpr size_t kMostHeld = 262'144; // few writes, and within a processor's second cache
-    static_assert(XmlWriter::kChunkSize * kMostUtf8Bytes <= kMostHeld);
-    const std::unique_ptr<char[]> bytes(new char[kMostHeld]);
+    constexpr size_t kMaxHeld = 262'144; // few writes, and within a processor's second cache
+    static_assert(XmlWriter::kChunkSize * kMaxUtf8Bytes <= kMaxHeld);
+    const std::unique_ptr<char[]> bytes(new char[kMaxHeld]);
     size_t held = 0;
     XFile file;
     bool hasFailed = false;
@@ -105,10 +105,10 @@ void WriteDocumentFile(const XString& path, const Facts& facts) {
         held = 0;
     };
     XmlWriter out("\r\n", [&](std::wstring_view chunk) {
-        if (kMostHeld - held < chunk.size() * kMostUtf8Bytes) {
+        if (kMaxHeld - held < chunk.size() * kMaxUtf8Bytes) {
             write();
         }
-        held += EncodeUtf8(chunk, {bytes.get() + held, kMostHeld - held});
+        held += EncodeUtf8(chunk, {bytes.get() + held, kMaxHeld - held});
     });
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
         WriteDocument(out, facts.source, facts.converted);

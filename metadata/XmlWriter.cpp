@@ -13,17 +13,17 @@
 namespace {
 
 /// Code units that one becomes at most, in "&quot;" or "&apos;".
-constexpr size_t kMostEscapedUnits = 6;
+constexpr size_t kMaxEscapedUnits = 6;
 
 /// Texts are appended in slices of this many units, so that a slice fits the chunk whatever it becomes.
 constexpr size_t kSliceSize = 1024;
-static_assert(kSliceSize * kMostEscapedUnits < XmlWriter::kChunkSize);
+static_assert(kSliceSize * kMaxEscapedUnits < XmlWriter::kChunkSize);
 
 /// What a code unit becomes.
 struct Escaped {
-    wchar_t changedBits;                 // the first unit stored is the unit itself with these bits flipped
-    wchar_t rest[kMostEscapedUnits - 1]; // what follows, and zeros
-    uint32_t size;                       // units, the first included
+    wchar_t changedBits;                // the first unit stored is the unit itself with these bits flipped
+    wchar_t rest[kMaxEscapedUnits - 1]; // what follows, and zeros
+    uint32_t size;                      // units, the first included
 };
 
 /// By code unit; the last entry, that of "?", also serves all units above it.
@@ -42,11 +42,11 @@ constexpr std::array<Escaped, 64> kEscaped = [] {
 size_t EscapeUnit(wchar_t unit, std::span<wchar_t> out) noexcept {
     const Escaped& escaped = kEscaped[std::min(size_t{unit}, kEscaped.size() - 1)];
     out[0] = unit ^ escaped.changedBits;
-    std::memcpy(out.subspan<1, kMostEscapedUnits - 1>().data(), escaped.rest, sizeof escaped.rest);
+    std::memcpy(out.subspan<1, kMaxEscapedUnits - 1>().data(), escaped.rest, sizeof escaped.rest);
     return escaped.size;
 }
 
-/// Stores the escaped text in `out`, which must have kMostEscapedUnits for each code unit of the text.
+/// Stores the escaped text in `out`, which must have kMaxEscapedUnits for each code unit of the text.
 /// Returns the number of units stored.
 size_t EscapeXmlText(Utf16View text, std::span<wchar_t> out) noexcept {
     size_t size = 0;
@@ -89,7 +89,7 @@ XmlWriter::XmlWriter(std::string_view lineEnd, Take take)
 void XmlWriter::AppendEscaped(Utf16View text) {
     while (!text.IsEmpty()) {
         const Utf16View slice = TakeSlice(text);
-        m_size += EscapeXmlText(slice, MakeRoom(slice.Size() * kMostEscapedUnits));
+        m_size += EscapeXmlText(slice, MakeRoom(slice.Size() * kMaxEscapedUnits));
     }
 }
 

@@ -21,10 +21,10 @@ bool XFile::Write(const void* data, size_t count) noexcept {
     if (!IsOpen()) {
         return false;
     }
-    constexpr size_t kLargestWrite = size_t{1} << 30; // one call counts in 32 bits
+    constexpr size_t kMaxWrite = size_t{1} << 30; // one call counts in 32 bits
     const char* rest = static_cast<const char*>(data);
     while (count != 0) {
-        const DWORD part = static_cast<DWORD>(std::min(count, kLargestWrite));
+        const DWORD part = static_cast<DWORD>(std::min(count, kMaxWrite));
         DWORD written = 0;
         if (!WriteFile(m_file.Get(), rest, part, &written, nullptr) || written != part) {
             return false;

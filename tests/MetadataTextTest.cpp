@@ -69,7 +69,7 @@ TEST(Utf8, ReplacesUnpairedSurrogates) {
     for (const wchar_t* rest : {L"", L"12345678"}) {
         const std::wstring text =
             std::wstring(L"a\x7F\x80\x7FF\x800\xFFFF\xD83D\xD83D\xDE00\xDE00z\xDBFF\xDFFF\xD83D") + rest;
-        std::vector<char> room(text.size() * kMostUtf8Bytes);
+        std::vector<char> room(text.size() * kMaxUtf8Bytes);
         EXPECT_EQ(std::string(room.data(), EncodeUtf8(text, room)),
                   "a\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD"
                   "z\xF4\x8F\xBF\xBF\xEF\xBF\xBD" +

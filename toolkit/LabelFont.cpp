@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int kMostSteps = 3; // pixels off the height
+constexpr int kMaxSteps = 3; // pixels off the height
 
 template<class Visit>
 void ForEachLabel(HWND dialog, Visit visit) {
@@ -49,7 +49,7 @@ OwnedFont FitLabels(HWND dialog) noexcept {
     if (LabelsFit(dialog, dialogFont) || GetObjectW(dialogFont, sizeof(shape), &shape) == 0) {
         return OwnedFont();
     }
-    for (int step = 0; step < kMostSteps; ++step) {
+    for (int step = 0; step < kMaxSteps; ++step) {
         ++shape.lfHeight; // negative: the height of the characters
         OwnedFont font(CreateFontIndirectW(&shape));
         if (LabelsFit(dialog, font.Get())) {

@@ -60,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // A chunk ends within the document.
     static const std::string xs(XmlWriter::kChunkSize - 1, 'x');
     const std::string_view held = std::string_view(xs).substr(ahead % 4096);
-    static std::vector<char> encoded(XmlWriter::kChunkSize * kMostUtf8Bytes);
+    static std::vector<char> encoded(XmlWriter::kChunkSize * kMaxUtf8Bytes);
     for (const bool hasLines : {true, false}) {
         std::wstring text;
         std::string bytes;

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr size_t kLargestList = std::numeric_limits<int32_t>::max();
+constexpr size_t kMaxList = std::numeric_limits<int32_t>::max();
 
 std::wstring UpToZero(std::wstring_view text) {
     return std::wstring(text.substr(0, text.find(L'\0')));
@@ -47,7 +47,7 @@ std::vector<uint8_t> TagListBuilder::Pack() const {
     for (const Entry& entry : m_entries) {
         const size_t units = entry.name.size() + 1 + entry.value.size() + 1;
         const size_t size = sizeof(int32_t) + units * sizeof(wchar_t) + entry.data.size();
-        if (size <= kLargestList - list.size()) {
+        if (size <= kMaxList - list.size()) {
             const int32_t entrySize = static_cast<int32_t>(size);
             Append(list, &entrySize, 1);
             Append(list, entry.name.c_str(), entry.name.size() + 1);

@@ -17,7 +17,7 @@ constexpr uint16_t kExtensible = 0xFFFE;
 constexpr uint16_t kExtensionSize = 22;
 
 // In UTF-16 it takes twice the room, and a tag list counts its bytes in a signed 32-bit number.
-constexpr size_t kLargestText = std::numeric_limits<int32_t>::max() / 2;
+constexpr size_t kMaxText = std::numeric_limits<int32_t>::max() / 2;
 
 constexpr std::pair<uint16_t, const wchar_t*> kEncodings[] = {
     {kPcm, L"PCM"}, {2, L"Microsoft ADPCM"}, {kFloat, L"IEEE Float"}, {6, L"A-law"},
@@ -70,7 +70,7 @@ void AddInfoTags(Reader list, TagListBuilder& tags) {
     while (list.Read(id, 4) && list.Read(size)) {
         const std::string_view text = list.Take(size);
         list.Take(size & 1);
-        if (const std::wstring name = InfoName(id); !name.empty() && text.size() <= kLargestText) {
+        if (const std::wstring name = InfoName(id); !name.empty() && text.size() <= kMaxText) {
             tags.Add(name, FromUtf8OrAnsi(text));
         }
     }

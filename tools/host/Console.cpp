@@ -18,7 +18,7 @@ void Print(DWORD stream, const XString& text) {
     if (units.empty() || units.back() != L'\n') {
         units += L'\n';
     }
-    std::vector<char> bytes(units.size() * kMostUtf8Bytes);
+    std::vector<char> bytes(units.size() * kMaxUtf8Bytes);
     const size_t size = EncodeUtf8(units, bytes);
     DWORD written = 0;
     SetConsoleOutputCP(CP_UTF8);

@@ -8,7 +8,7 @@
 // A decoder library exports nine functions under their plain names. The plug-in calls four of them:
 //
 //   to choose a library    Create, Get with "Decodes" for index 0, 1, …, Destroy
-//   to read one fact       Create, Open with one flag, (results are copied), Destroy
+//   to read from a file    Create, Open with one flag, (results are copied), Destroy
 //
 // It never calls Set, Close, DecodeBlock, SetPosition or DeleteATag, but a library that lacks any of the nine
 // is not a decoder. All memory that a library hands out stays the library's own and must live until Destroy.

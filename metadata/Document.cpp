@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr std::string_view kFact = "\t\t<";
-constexpr std::string_view kFormatFact = "\t\t\t<";
+constexpr std::string_view kInFile = "\t\t<";
+constexpr std::string_view kInFormat = "\t\t\t<";
 
 /// The two property lists differ on purpose in what they do with a name whose element name is empty.
 enum class NamelessProperty { LeaveOut, Write };
@@ -78,25 +78,25 @@ void WriteTags(XmlWriter& out, const TagList& tags) {
 
 void WriteFacts(XmlWriter& out, const FileFacts& file, NamelessProperty nameless) {
     const FileTexts& texts = file.texts;
-    WriteText(out, kFact, "FileName", texts.name);
-    WriteText(out, kFact, "FileNameNoExt", texts.nameNoExt);
-    WriteText(out, kFact, "FileNameExt", texts.ext);
-    WriteText(out, kFact, "FileNamePath", texts.path);
-    WriteNumber(out, kFact, "FileSize", file.info.fileSize);
-    WriteNumber(out, kFact, "FileLength", file.info.length);
-    WriteNumber(out, kFact, "FileBitrate", file.info.bitrate);
-    WriteText(out, kFact, "FileCreated", texts.created);
-    WriteText(out, kFact, "FileModified", texts.modified);
-    WriteText(out, kFact, "FileAccessed", texts.accessed);
+    WriteText(out, kInFile, "FileName", texts.name);
+    WriteText(out, kInFile, "FileNameNoExt", texts.nameNoExt);
+    WriteText(out, kInFile, "FileNameExt", texts.ext);
+    WriteText(out, kInFile, "FileNamePath", texts.path);
+    WriteNumber(out, kInFile, "FileSize", file.info.fileSize);
+    WriteNumber(out, kInFile, "FileLength", file.info.length);
+    WriteNumber(out, kInFile, "FileBitrate", file.info.bitrate);
+    WriteText(out, kInFile, "FileCreated", texts.created);
+    WriteText(out, kInFile, "FileModified", texts.modified);
+    WriteText(out, kInFile, "FileAccessed", texts.accessed);
     out.AppendLine("\t\t<AudioProperties>");
     WriteProperties(out, file.properties, nameless);
     out.AppendLine("\t\t</AudioProperties>");
     out.AppendLine("\t\t<AudioFormat>");
     const AudioFormat& format = file.info.format;
-    WriteNumber(out, kFormatFact, "Channels", format.nChannels);
-    WriteNumber(out, kFormatFact, "SamplesPerSec", static_cast<int32_t>(format.nSamplesPerSec));
-    WriteNumber(out, kFormatFact, "BitsPerSample", format.wBitsPerSample);
-    WriteNumber(out, kFormatFact, "AvgBytesPerSec", static_cast<int32_t>(ByteRate(format)));
+    WriteNumber(out, kInFormat, "Channels", format.nChannels);
+    WriteNumber(out, kInFormat, "SamplesPerSec", static_cast<int32_t>(format.nSamplesPerSec));
+    WriteNumber(out, kInFormat, "BitsPerSample", format.wBitsPerSample);
+    WriteNumber(out, kInFormat, "AvgBytesPerSec", static_cast<int32_t>(ByteRate(format)));
     out.AppendLine("\t\t</AudioFormat>");
     out.AppendLine("\t\t<IDTags>");
     WriteTags(out, file.idTags);

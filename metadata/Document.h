@@ -16,7 +16,7 @@ struct FileTexts {
     XString accessed;
 };
 
-/// Everything that the document says about one file. The lists are read where they lie.
+/// The facts of one file: everything that the document says about it. The lists are read where they lie.
 struct FileFacts {
     FileTexts texts;
     AudioInfo info = {};

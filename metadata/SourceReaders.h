@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <vector>
 
-// Facts about a file on disk: three that the converter's decoder library for its extension reports, and its
-// times.
+// Reads from a file on disk what the converter's decoder library for its extension reports, in three parts,
+// and the file's times.
 //
 // The three readers answer -1 after an error line (the file is missing, no library decodes it, or the library
 // fails to open it) and otherwise 1. A library that cannot be loaded a second time, or makes no second

@@ -49,7 +49,7 @@ void ReadTimes(FileTexts& texts, const MetadataContext& context, const XString& 
 }
 
 /// What the document is made of, with the memory of the lists that the readers fetched.
-struct Facts {
+struct Content {
     FileFacts source;
     FileFacts converted;
     std::vector<uint8_t> sourceTags;
@@ -61,18 +61,18 @@ TagList ListIn(const std::vector<uint8_t>& list) noexcept {
 }
 
 /// Takes the facts that the host supplies from its record, and reads the others.
-void Gather(Facts& facts, const MetadataContext& context, const AfterConversionInfo& info,
+void Gather(Content& content, const MetadataContext& context, const AfterConversionInfo& info,
             const XString& sourceFile, const XString& convertedFile) {
-    FileFacts& source = facts.source;
-    FileFacts& converted = facts.converted;
+    FileFacts& source = content.source;
+    FileFacts& converted = content.converted;
     const bool hasSourceFile = Compare(sourceFile.Text(), kNoSourceFile) != 0;
 
     GetAudioInfo(context, convertedFile, converted.info);
-    GetAudioProperties(context, convertedFile, facts.convertedProperties);
-    converted.properties = ListIn(facts.convertedProperties);
+    GetAudioProperties(context, convertedFile, content.convertedProperties);
+    converted.properties = ListIn(content.convertedProperties);
     if (hasSourceFile) {
-        GetIDTags(context, sourceFile, facts.sourceTags);
-        source.idTags = ListIn(facts.sourceTags);
+        GetIDTags(context, sourceFile, content.sourceTags);
+        source.idTags = ListIn(content.sourceTags);
     }
     // Sizes of 2 GiB and more turn negative here and count as no list.
     converted.idTags = ParseTagBlob(info.destIDTags, static_cast<int32_t>(info.destIDTagsSize));
@@ -91,7 +91,7 @@ void Gather(Facts& facts, const MetadataContext& context, const AfterConversionI
 }
 
 /// Replaces the file by the document in UTF-8. A file that cannot be opened or written is not reported.
-void WriteDocumentFile(const XString& path, const Facts& facts) {
+void WriteDocumentFile(const XString& path, const Content& content) {
     // All memory is taken before the file is opened: running out of it must not cost an existing file.
     constexpr size_t kMaxHeld = 262'144; // few writes, and within a processor's second cache
     static_assert(XmlWriter::kChunkSize * kMaxUtf8Bytes <= kMaxHeld);
@@ -111,16 +111,16 @@ void WriteDocumentFile(const XString& path, const Facts& facts) {
         held += EncodeUtf8(chunk, {bytes.get() + held, kMaxHeld - held});
     });
     if (file.Open(path, GENERIC_WRITE, CREATE_ALWAYS)) {
-        WriteDocument(out, facts.source, facts.converted);
+        WriteDocument(out, content.source, content.converted);
         write();
     }
 }
 
 /// The document as one text, with nothing between its lines.
-Bstr JoinDocument(const Facts& facts) {
+Bstr JoinDocument(const Content& content) {
     XString text;
     XmlWriter out("", [&text](std::wstring_view chunk) { text.Append(chunk.data(), chunk.size()); });
-    WriteDocument(out, facts.source, facts.converted);
+    WriteDocument(out, content.source, content.converted);
     return Bstr(text);
 }
 
@@ -145,17 +145,17 @@ int32_t WriteXMLFile(const MetadataContext& context, const AfterConversionInfo& 
     const XString outputPath = OutputPath(context, convertedFile);
     Log(outputPath.Text(), context.log, kScope);
 
-    Facts facts;
-    Gather(facts, context, info, sourceFile, convertedFile);
+    Content content;
+    Gather(content, context, info, sourceFile, convertedFile);
     if (transform) {
         std::vector<uint8_t> transformed;
         if (FileExists(context.xsltFile) &&
-            !TransformDocument(context.log, kScope, JoinDocument(facts), context.xsltFile, transformed)) {
+            !TransformDocument(context.log, kScope, JoinDocument(content), context.xsltFile, transformed)) {
             return 0;
         }
         ReplaceFile(outputPath, transformed);
     } else {
-        WriteDocumentFile(outputPath, facts);
+        WriteDocumentFile(outputPath, content);
     }
     Log(kLeave, context.log, kScope);
     return 1;

@@ -21,7 +21,7 @@ struct DocumentParts {
     /// `document` is what the plug-in wrote for these tags, of which none is left out.
     DocumentParts(const std::vector<uint8_t>& packedTags, const std::string& document);
 
-    const std::vector<uint8_t>& tags; ///< the packed list
+    const std::vector<uint8_t>& tags; ///< a TagBlob
     std::vector<EntryLine> lines;     ///< its entries, named and split
     std::string head;                 ///< the plug-in's own bytes up to the tags
     std::string tail;                 ///< and after them
@@ -31,7 +31,7 @@ struct DocumentParts {
 
 // Both write the plug-in's bytes with one WriteFile.
 
-/// The limit: one pass over the packed list, from its bytes to UTF-8, in memory that is there already. Head
+/// The limit: one pass over the TagBlob, from its bytes to UTF-8, in memory that is there already. Head
 /// and tail are copied.
 void WriteInSinglePass(HANDLE file, const DocumentParts& document);
 

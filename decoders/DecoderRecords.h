@@ -81,9 +81,9 @@ struct DecoderOpenRecord {
     uint32_t openFlags;      ///< in: OpenFlags
     AudioInfo audioInfo;     ///< out for kOpenAudioInfo
     uint64_t reserved;
-    const void* IDTagData; ///< out for kOpenIDTags: a packed tag list, or null
+    const void* IDTagData; ///< out for kOpenIDTags: a TagBlob, or null
     int32_t IDTagByteSize;
-    const void* propertyData; ///< out for kOpenAudioProperties: a packed tag list, or null
+    const void* propertyData; ///< out for kOpenAudioProperties: a TagBlob, or null
     int32_t propertyByteSize;
 };
 static_assert(sizeof(DecoderOpenRecord) == 104);
@@ -98,9 +98,9 @@ static_assert(offsetof(DecoderOpenRecord, propertyByteSize) == 100);
 
 #pragma pack(pop)
 
-// A packed tag list: int32 count, then that many entries back to back. One entry: int32 entrySize (its own
-// four bytes included), the name in UTF-16 with a terminating zero, the value likewise, and the rest as
-// binary data.
+// A TagBlob, the packed list of ID tags or of properties: int32 count, then that many entries back to back.
+// One entry: int32 entrySize (its own four bytes included), the name in UTF-16 with a terminating zero, the
+// value likewise, and the rest as binary data.
 
 using DecoderCreateFunction = void*(void* context); // null on failure; the context is the plug-in's instance
 using DecoderDestroyFunction = void(void* instance);

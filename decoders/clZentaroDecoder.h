@@ -11,9 +11,9 @@
 /// instance.
 struct DecoderReport {
     AudioInfo audioInfo;
-    std::span<const uint8_t> idTags;     ///< packed tag list; empty when there is none
+    std::span<const uint8_t> idTags;     ///< TagBlob; empty when there is none
     int32_t idTagByteSize;               ///< of the list, as the library says it; may be negative
-    std::span<const uint8_t> properties; ///< packed tag list; empty when there is none
+    std::span<const uint8_t> properties; ///< TagBlob; empty when there is none
 };
 
 /// One decoder library of the converter and at most one instance of its decoder.

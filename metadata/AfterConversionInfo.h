@@ -10,9 +10,9 @@ struct AfterConversionInfo {
     const wchar_t* destFileName;   ///< zero-terminated full path of the converted file
     uint64_t reserved;
     const AudioInfo* sourceAudioInfo;
-    const void* destIDTags; ///< packed tag list
+    const void* destIDTags; ///< TagBlob
     uint32_t destIDTagsSize;
-    const void* sourceAudioProperties; ///< packed tag list
+    const void* sourceAudioProperties; ///< TagBlob
     uint32_t sourceAudioPropertiesSize;
 };
 #pragma pack(pop)

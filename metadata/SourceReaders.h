@@ -17,7 +17,7 @@
 
 int32_t GetAudioInfo(const MetadataContext& context, const XString& fileName, AudioInfo& out);
 
-/// `out` receives a packed tag list, and stays as it was when the library has none.
+/// `out` receives a TagBlob, and stays as it was when the library has none.
 int32_t GetAudioProperties(const MetadataContext& context, const XString& fileName,
                            std::vector<uint8_t>& out);
 

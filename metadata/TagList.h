@@ -6,15 +6,15 @@
 #include <iterator>
 #include <span>
 
-/// One named value of an audio file, an ID tag or an audio property, as it stands in a packed list.
+/// One named value of an audio file, an ID tag or an audio property, as it stands in a TagBlob.
 struct TagEntry {
     Utf16View name;
     Utf16View value;
     std::span<const uint8_t> rawData; ///< binary content, such as a picture; empty for a text entry
 };
 
-/// The entries of a packed tag list (decoders/DecoderRecords.h) in their order, read in place as a range:
-/// the list's bytes must outlive it and what it yields. Pure code.
+/// The entries of a TagBlob (decoders/DecoderRecords.h) in their order, read in place as a range: the blob's
+/// bytes must outlive it and what it yields. Pure code.
 class TagList {
 public:
     class Iterator {
@@ -52,8 +52,9 @@ private:
     int32_t m_count = 0;
 };
 
-/// The list at `data`, which may be at any address and hold anything: nothing at or past `data + size` is
-/// read, and the list ends at the first entry that does not fit. Null or a size below 1 gives an empty list.
+/// The list in the TagBlob at `data`, which may be at any address and hold anything: nothing at or past
+/// `data + size` is read, and the list ends at the first entry that does not fit. Null or a size below 1
+/// gives an empty list.
 TagList ParseTagBlob(const void* data, int32_t size) noexcept;
 
 /// Cuts a multi-valued text at each CR. An empty text has no part at all; a text that ends in CR has an empty

@@ -1,4 +1,4 @@
-// The document of a packed list of any content, in both encodings, compared with that of the reference code.
+// The document of a TagBlob of any content, in both encodings, compared with that of the reference code.
 
 #include "metadata/Document.h"
 #include "support/Utf8.h"

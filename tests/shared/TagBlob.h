@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// Builds a packed tag list byte by byte, well formed or not.
+/// Builds a TagBlob byte by byte, well formed or not.
 class TagBlob {
 public:
     /// A well-formed entry.

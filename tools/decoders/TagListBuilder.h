@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// Collects names and values and packs them into one tag list (decoders/DecoderRecords.h). Texts end at their
+/// Collects names and values and packs them into a TagBlob (decoders/DecoderRecords.h). Texts end at their
 /// first zero unit, because that is how the list marks their ends.
 class TagListBuilder {
 public:

@@ -16,7 +16,7 @@ constexpr uint16_t kFloat = 3;
 constexpr uint16_t kExtensible = 0xFFFE;
 constexpr uint16_t kExtensionSize = 22;
 
-// In UTF-16 it takes twice the room, and a tag list counts its bytes in a signed 32-bit number.
+// In UTF-16 it takes twice the room, and a TagBlob counts its bytes in a signed 32-bit number.
 constexpr size_t kMaxText = std::numeric_limits<int32_t>::max() / 2;
 
 constexpr std::pair<uint16_t, const wchar_t*> kEncodings[] = {

@@ -51,7 +51,8 @@ XString WithFileName(const wchar_t* message, const XString& fileName) {
 }
 
 /// What the three readers have in common. `take` copies what it needs of the report while the library's
-/// instance, which owns the memory, still exists.
+/// instance, which owns the memory, still exists. Where the reading ends early no leaving line is written:
+/// that is how the trace shows it.
 template<class Take>
 int32_t ReadFromDecoder(const MetadataContext& context, const XString& fileName, const ReaderTexts& texts,
                         OpenFlags flag, Take take) {
@@ -132,7 +133,7 @@ XString GetFormattedFileDateTime(const MetadataContext& context, const XString& 
     if (!FileExists(fileName)) {
         LogError(WithFileName(L"Error reading file date time, file does not exist '", fileName).Text(),
                  context.log, nullptr);
-        return XString();
+        return XString(); // without a leaving line, as the readers
     }
     const FILETIME fileTime = ReadFileTime(fileName, which);
     SYSTEMTIME time = {};

@@ -16,7 +16,8 @@ bool TakeInt32(std::span<const uint8_t>& bytes, int32_t& value) noexcept {
     return true;
 }
 
-/// The code units up to a zero, which is skipped, or up to the end. An odd last byte stays.
+/// Takes the code units up to a zero, and the zero, or all there are. Of an odd number of bytes without a
+/// zero the last one is left.
 Utf16View TakeText(std::span<const uint8_t>& bytes) noexcept {
     const Utf16View units(bytes.data(), bytes.size() / sizeof(wchar_t));
     const size_t size = units.Find(0);

@@ -21,12 +21,12 @@ static_assert(kSliceSize * kMaxEscapedUnits < XmlWriter::kChunkSize);
 
 /// What a code unit becomes.
 struct Escaped {
-    wchar_t changedBits;                // the first unit stored is the unit itself with these bits flipped
+    wchar_t changedBits; // to make the unit the first one stored: none, or those that make it "&"
     wchar_t rest[kMaxEscapedUnits - 1]; // what follows, and zeros
     uint32_t size;                      // units, the first included
 };
 
-/// By code unit; the last entry, that of "?", also serves all units above it.
+/// By code unit. Units above "?", the last entry, need no escaping either and are looked up there.
 constexpr std::array<Escaped, 64> kEscaped = [] {
     std::array<Escaped, 64> table{};
     table.fill({0, {}, 1});
@@ -38,7 +38,8 @@ constexpr std::array<Escaped, 64> kEscaped = [] {
     return table;
 }();
 
-/// Has no branch: where these characters stand in a text cannot be predicted.
+/// Has no branch: where these characters stand in a text cannot be predicted. To choose between the unit and
+/// "&" was slower than to flip bits.
 size_t EscapeUnit(wchar_t unit, std::span<wchar_t> out) noexcept {
     const Escaped& escaped = kEscaped[std::min(size_t{unit}, kEscaped.size() - 1)];
     out[0] = unit ^ escaped.changedBits;

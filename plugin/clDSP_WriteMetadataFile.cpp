@@ -5,6 +5,12 @@
 #include "support/DebugLog.h"
 #include "support/ThreadErrorModeScope.h"
 
+#include <cstddef>
+
+#ifdef __GNUC__ // which warns of offsetof in a class that has virtual members
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+#endif
+
 namespace {
 
 /// Traces that a method is entered and left, also when it ends by an exception.
@@ -35,6 +41,10 @@ const wchar_t* OrEmpty(const wchar_t* text) noexcept {
 }
 
 } // namespace
+
+clDSP_WriteMetadataFile::clDSP_WriteMetadataFile(const CreateRecord& record) noexcept : m_record(record) {
+    static_assert(offsetof(clDSP_WriteMetadataFile, m_record) == 0);
+}
 
 HWND clDSP_WriteMetadataFile::ShowConfigBit(HWND parent, int32_t x, int32_t y, const wchar_t* settings) {
     const TraceScope trace(m_record, L"clDSP_WriteMetadataFile::ShowConfigBit");

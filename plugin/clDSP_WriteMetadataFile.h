@@ -12,7 +12,7 @@
 /// a time.
 class clDSP_WriteMetadataFile {
 public:
-    explicit clDSP_WriteMetadataFile(const CreateRecord& record) noexcept : m_record(record) {}
+    explicit clDSP_WriteMetadataFile(const CreateRecord& record) noexcept;
 
     /// Opens the settings panel inside the host's window; see frmDSPSettings::Show.
     HWND ShowConfigBit(HWND parent, int32_t x, int32_t y, const wchar_t* settings);
@@ -46,7 +46,7 @@ private:
 
     static constexpr int64_t kQueryMode = -123;
 
-    CreateRecord m_record;
+    CreateRecord m_record; // first: decoder libraries get the instance as their context
     frmDSPSettings m_settingsDialog;
     XString m_configString;
     XString m_xsltFile;

@@ -1,30 +1,19 @@
 #pragma once
 
-#include "support/Com.h"
-
 #include <windows.h>
 
-struct IAccPropServices;
-
 /// The name that screen readers speak for a control that has no label before it. The system keeps the name
-/// (IAccPropServices) until it is removed; the control itself is not changed. `Set` enters COM on the calling
-/// thread (CoInitialize), `Clear` leaves it.
+/// (IAccPropServices) until it is removed; the control itself is not changed. Each call enters COM on its
+/// thread and leaves it again, so that the host may choose the thread's apartment at any time. Where COM was
+/// not entered before, leaving it may dispatch messages.
 class XAccessibleName {
 public:
-    XAccessibleName() noexcept;
-    XAccessibleName(const XAccessibleName&) = delete;
-    XAccessibleName& operator=(const XAccessibleName&) = delete;
-    ~XAccessibleName();
-
     /// Names a control in place of the one before; nothing happens where the system has no such service.
     void Set(HWND control, const wchar_t* name) noexcept;
 
-    /// Removes the name. To be called on the thread of `Set` before the control is destroyed; the destructor,
-    /// which may run on any thread, does not do it.
+    /// Removes the name. To be called before the control is destroyed; the destructor does not do it.
     void Clear() noexcept;
 
 private:
-    ComPtr<IAccPropServices> m_service;
     HWND m_control = nullptr;
-    bool m_isComEntered = false;
 };

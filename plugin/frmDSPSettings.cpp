@@ -1,6 +1,5 @@
 #include "plugin/frmDSPSettings.h"
 
-#include "plugin/Module.h"
 #include "plugin/ParseOptions.h"
 #include "resources/resource.h"
 #include "support/ModuleFolder.h"
@@ -10,6 +9,9 @@
 #include <iterator>
 #include <vector>
 
+/// Begins the module that this code is linked into; the linker defines it.
+extern "C" IMAGE_DOS_HEADER __ImageBase; // NOLINT(bugprone-reserved-identifier)
+
 namespace {
 
 constexpr int kFieldSize = 260;             // units read from a field, the terminator included
@@ -17,7 +19,7 @@ constexpr int kIconSize = 24;               // pixels at 96 dots per inch
 constexpr RECT kIconPlace = {284, 1, 1, 1}; // dialog units; only left and top count
 
 HMODULE ResourceModule() noexcept {
-    return moduleHandle != nullptr ? moduleHandle : GetModuleHandleW(nullptr);
+    return reinterpret_cast<HMODULE>(&__ImageBase);
 }
 
 /// Restores the process's current folder at the end of the scope.

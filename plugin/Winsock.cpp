@@ -1,8 +1,4 @@
-#include "plugin/Module.h"
-
 #include <winsock2.h>
-
-HMODULE moduleHandle = nullptr;
 
 namespace {
 
@@ -28,8 +24,3 @@ private:
 const WinsockScope winsock;
 
 } // namespace
-
-BOOL WINAPI DllMain(HINSTANCE module, DWORD /*reason*/, LPVOID /*reserved*/) {
-    moduleHandle = module;
-    return TRUE;
-}

@@ -39,7 +39,8 @@ endif()
 
 # Functions check their stack: many call the one that ends the process.
 execute_process(COMMAND ${OBJDUMP} -d --no-show-raw-insn ${LIBRARY} OUTPUT_VARIABLE code COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCH "([0-9a-f]+):[^\n]*mov +\\$0x2,%ecx\n[^\n]*int +\\$0x29" found "${code}")
+string(REGEX MATCH "([0-9a-f]+):[^\n]*\n[^\n]*mov +\\$0x17,%ecx\n[^\n]*\n[^\n]*\n[^\n]*\n[^\n]*mov +\\$0x2,%ecx\n[^\n]*int +\\$0x29"
+    found "${code}") # asks for PF_FASTFAIL_AVAILABLE first
 string(REGEX MATCHALL "call +(0x)?${CMAKE_MATCH_1}[ \n]" calls "${code}")
 list(LENGTH calls count)
 if(NOT found OR count LESS 20)

@@ -12,9 +12,13 @@ extern "C" {
 uintptr_t __stack_chk_guard = 0;
 
 /// Called by a function that finds another value there when it returns. Nothing can be trusted any more, so
-/// the process ends at once, as it does for the security cookie of Microsoft's compiler.
+/// the process ends at once, as it does for the security cookie of Microsoft's compiler. Before Windows 8 the
+/// system does not know the interrupt, and would raise an access violation that the host might handle.
 [[noreturn]] void __stack_chk_fail() {
-    __asm__ volatile("int $0x29" : : "c"(FAST_FAIL_STACK_COOKIE_CHECK_FAILURE));
+    if (IsProcessorFeaturePresent(PF_FASTFAIL_AVAILABLE)) {
+        __asm__ volatile("int $0x29" : : "c"(FAST_FAIL_STACK_COOKIE_CHECK_FAILURE));
+    }
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_STACK_BUFFER_OVERRUN));
     __builtin_unreachable();
 }
 }

@@ -2,7 +2,6 @@
 
 #include "plugin/clDSP_WriteMetadataFile.h"
 #include "support/DebugLog.h"
-#include "support/gcc/MemoryReserve.h"
 
 #include <new>
 #include <utility>
@@ -16,7 +15,6 @@ auto Guarded(clDSP_WriteMetadataFile* instance, Work work) noexcept -> decltype(
     if (instance == nullptr) {
         return {};
     }
-    RefillMemoryReserve();
     try {
         return work(*instance);
     } catch (const std::bad_alloc&) {

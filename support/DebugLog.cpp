@@ -4,9 +4,9 @@
 #include "support/XString.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <memory>
-#include <new>
 
 namespace {
 
@@ -16,6 +16,10 @@ constexpr size_t kMarkerSize = 4;
 
 XMutex logMutex;
 size_t indent = 0; // spaces; guarded by logMutex
+
+struct Free {
+    void operator()(void* block) const noexcept { std::free(block); }
+};
 
 bool BeginsWith(const wchar_t* message, const wchar_t* marker) noexcept {
     return Compare(message, marker, kMarkerSize) == 0;
@@ -34,10 +38,12 @@ void WriteLine(HANDLE file, size_t spaces, const wchar_t* prefix, const wchar_t*
         size += TextSize(part);
     }
     wchar_t shortLine[400];
-    std::unique_ptr<wchar_t[]> longLine;
+    std::unique_ptr<wchar_t, Free> longLine;
     wchar_t* line = shortLine;
     if (size > std::size(shortLine)) {
-        longLine.reset(new (std::nothrow) wchar_t[size]);
+        // Not by "new (std::nothrow)", which may throw and catch an exception inside: this is how running out
+        // of memory is reported, and other threads that report it wait for the lock.
+        longLine.reset(static_cast<wchar_t*>(std::malloc(size * sizeof(wchar_t))));
         line = longLine.get();
     }
     if (line == nullptr) {

@@ -1,5 +1,7 @@
 #include "toolkit/XIcon.h"
 
+#include <atomic>
+
 void XIcon::Load(HMODULE module, int id, int size) noexcept {
     if (!m_icon.IsValid()) {
         m_icon.Reset(static_cast<HICON>(
@@ -15,11 +17,13 @@ void XIcon::Draw(HDC dc, int x, int y) const noexcept {
 }
 
 int ScaleToScreen(int pixels) noexcept {
-    static const int dpi = [] {
+    // Two threads at once may both read it, with one result. Not a static that is initialised here: for that
+    // GCC's runtime takes a lock that it keeps when the library is unloaded.
+    static std::atomic<int> dpi = 0;
+    if (dpi == 0) {
         const HDC screen = GetDC(nullptr);
-        const int resolution = GetDeviceCaps(screen, LOGPIXELSX);
+        dpi = GetDeviceCaps(screen, LOGPIXELSX);
         ReleaseDC(nullptr, screen);
-        return resolution;
-    }();
+    }
     return pixels * dpi / 96;
 }

@@ -356,6 +356,17 @@ TEST_F(Panel, NamesItsFirstField) {
     CoUninitialize();
 }
 
+TEST_F(Panel, LeavesTheThreadsApartmentToTheHost) {
+    for (const DWORD apartment : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED}) {
+        Show();
+        EXPECT_EQ(CoInitializeEx(nullptr, apartment), S_OK) << "COM is not entered while the panel is open";
+        Read(kClose);
+        EXPECT_EQ(CoInitializeEx(nullptr, apartment), S_FALSE) << "and left no more often than entered";
+        CoUninitialize();
+        CoUninitialize();
+    }
+}
+
 /// Sends what the button sends its parent when it is pressed: on Windows, BM_CLICK may fail in a dialog that
 /// is not active.
 void PressBrowse(HWND panel) {

@@ -522,10 +522,8 @@ TEST_F(Loading, OfSampleDecodersLeavesNothing) {
                 clZentaroDecoder decoder;
                 ASSERT_TRUE(decoder.Load(path) && decoder.CreateInstance(nullptr));
                 Memory::ReplaceOf(GetModuleHandleW(path));
-                DecoderOpenRecord record = {};
-                record.fileName = source.c_str();
-                record.openFlags = kOpenIDTags;
-                WithMemory(static_cast<int64_t>(load % 10), [&] { return decoder.Open(record); });
+                WithMemory(static_cast<int64_t>(load % 10),
+                           [&] { return decoder.Open(source.c_str(), kOpenIDTags).has_value(); });
             },
             path);
     }

@@ -1,4 +1,5 @@
 #include "tests/shared/TestWindow.h"
+#include "toolkit/LabelFont.h"
 #include "toolkit/XButton.h"
 #include "toolkit/XWindow.h"
 
@@ -9,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -95,8 +97,10 @@ void MakeWindow(XWindow& object) {
 
 void MakeDialog(XWindow& object) {
     struct alignas(DWORD) {
-        DLGTEMPLATE head = {WS_POPUP, 0, 0, 0, 0, 100, 50};
+        DLGTEMPLATE head = {WS_POPUP | DS_SETFONT, 0, 0, 0, 0, 100, 50};
         WORD menuClassTitle[3] = {};
+        WORD fontSize = 18;
+        wchar_t font[7] = L"Tahoma";
     } dialog;
     CreateDialogIndirectParamW(GetModuleHandleW(nullptr), &dialog.head, nullptr, XWindow::DialogProc,
                                reinterpret_cast<LPARAM>(&object));
@@ -272,6 +276,49 @@ TEST(Button, HandlesItsClicks) {
     button.Attach(control);
     DestroyWindow(control);
     EXPECT_EQ(button.Hwnd(), nullptr);
+}
+
+TEST(LabelFont, IsTheLargestInWhichEveryLabelFits) {
+    constexpr auto kText = L"A label of some length";
+    constexpr SIZE kAmple = {2000, 200};
+    constexpr int kMostSteps = 3;
+    Recorder dialog;
+    MakeDialog(dialog);
+    SKIP_WITHOUT_DISPLAY(dialog.Hwnd());
+    HWND labels[2] = {};
+    for (HWND& label : labels) {
+        label = CreateWindowExW(0, L"STATIC", kText, WS_CHILD, 0, 0, kAmple.cx, kAmple.cy, dialog.Hwnd(),
+                                nullptr, nullptr, nullptr);
+    }
+    LOGFONTW shape = {};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog.Hwnd(), WM_GETFONT, 0, 0)), sizeof shape, &shape);
+    const LONG height = shape.lfHeight;
+    std::vector<LONG> sizes[2]; // the text's widths and heights in lower and lower fonts
+    const HDC screen = GetDC(nullptr);
+    for (; shape.lfHeight <= height + kMostSteps + 1; ++shape.lfHeight) {
+        const OwnedFont lower(CreateFontIndirectW(&shape));
+        const HGDIOBJ before = SelectObject(screen, lower.Get());
+        RECT text = {};
+        DrawTextW(screen, kText, -1, &text, DT_CALCRECT);
+        SelectObject(screen, before);
+        sizes[0].push_back(text.right);
+        sizes[1].push_back(text.bottom);
+        for (const auto& side : sizes) {
+            // The second label gets the room that the text needs in this font.
+            SetWindowPos(labels[1], nullptr, 0, 0, &side == sizes ? text.right : kAmple.cx,
+                         &side == sizes ? kAmple.cy : text.bottom, 0);
+            const auto step = std::find(side.begin(), side.end(), side.back()) - side.begin();
+            const OwnedFont font = FitLabels(dialog.Hwnd());
+            LOGFONTW got = {};
+            GetObjectW(font.Get(), sizeof got, &got);
+            EXPECT_EQ(got.lfHeight, step == 0 || step > kMostSteps ? 0 : height + step) << shape.lfHeight;
+            for (const HWND label : labels) {
+                const auto used = reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0));
+                EXPECT_TRUE(used == font.Get() || !font.IsValid());
+            }
+        }
+    }
+    ReleaseDC(nullptr, screen);
 }
 
 TEST(Button, MayBeDestroyedByItsClick) {

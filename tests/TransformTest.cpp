@@ -54,15 +54,6 @@ TEST_F(TransformTest, WritesWhatTheParserMadeOfTheDocument) {
         << trace;
 }
 
-TEST_F(TransformTest, ADocumentThatIsNotWellFormedKeepsTheOutputFile) {
-    for (const auto& [name, value] : {std::pair{L"1st", L"x"}, std::pair{L"a", L"\x0001"}}) {
-        tags = TagBlob().Add(name, value).Bytes();
-        EXPECT_TRUE(Transform().starts_with(std::wstring(L"Loading intermediate XML failed") + kScope))
-            << name;
-        EXPECT_EQ(ReadBytes(document), "kept");
-    }
-}
-
 TEST_F(TransformTest, LeavesTheThreadsOtherApartmentAsBefore) {
     // On a thread of a multi-threaded apartment COM cannot be entered anew, and is left all the same.
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK);

@@ -11,9 +11,9 @@ using OwnedWindow = Owner<HWND, DestroyWindow>;
 
 /// A visible top-level window, or none where there is no display. Neither framed nor activated: Wine waits
 /// two seconds for a window manager to give up a window that is.
-inline OwnedWindow MakeTopWindow() {
-    OwnedWindow window(CreateWindowExW(0, L"STATIC", L"Test", WS_POPUP, 100, 100, 1100, 400, nullptr, nullptr,
-                                       GetModuleHandleW(nullptr), nullptr));
+inline OwnedWindow MakeTopWindow(DWORD extendedStyle = 0) {
+    OwnedWindow window(CreateWindowExW(extendedStyle, L"STATIC", L"Test", WS_POPUP, 100, 100, 1100, 400,
+                                       nullptr, nullptr, GetModuleHandleW(nullptr), nullptr));
     ShowWindow(window.Get(), SW_SHOWNOACTIVATE);
     return window;
 }
@@ -25,10 +25,9 @@ using Place = std::array<LONG, 4>;
 inline Place PlaceOf(HWND window) {
     RECT rect = {};
     GetWindowRect(window, &rect);
-    const LONG width = rect.right - rect.left;
-    const LONG height = rect.bottom - rect.top;
-    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&rect), 1);
-    return {rect.left, rect.top, width, height};
+    // Two points, which the system takes for a rectangle: a parent that is mirrored swaps left and right.
+    MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&rect), 2);
+    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
 }
 
 /// Dispatches the messages that wait for this thread.

@@ -12,6 +12,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -329,43 +330,34 @@ void PressBrowse(HWND panel) {
     SendMessageW(panel, WM_COMMAND, MAKEWPARAM(kBrowse, BN_CLICKED), reinterpret_cast<LPARAM>(button));
 }
 
-TEST_F(Panel, AsksTheFileDialogForStyleSheets) {
-    static OPENFILENAMEW asked;
-    const auto stub = [](OPENFILENAMEW* dialog) -> BOOL {
-        asked = *dialog;
-        return FALSE;
-    };
-    const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0", 38);
+TEST_F(Panel, AsksTheFileDialogForAStyleSheet) {
+    static std::function<BOOL(OPENFILENAMEW&)> answer;
+    const auto stub = [](OPENFILENAMEW* dialog) { return answer(*dialog); };
     stubs.AddImports(PluginModule());
     stubs["GetOpenFileNameW"].target = reinterpret_cast<void*>(+stub);
-    PressBrowse(Show());
-    EXPECT_EQ(asked.nMaxFile, 260u) << "units";
-    EXPECT_EQ(asked.Flags, 0u);
-    EXPECT_EQ(std::wstring(asked.lpstrFilter, filter.size()), filter);
-    EXPECT_EQ(asked.nFilterIndex, 1u);
-}
-
-/// Presses Browse and calls `answer` with the file dialog once it is open, from inside its message loop.
-void Browse(HWND panel, const std::function<void(HWND dialog)>& answer) {
-    static const std::function<void(HWND)>* user;
-    static ULONGLONG end;
-    user = &answer;
-    end = GetTickCount64() + 60'000;
-    const auto look = [](HWND host, UINT, UINT_PTR timer, DWORD) {
-        HWND dialog = nullptr; // other tests may have one open as well
-        do {
-            dialog = FindWindowExW(nullptr, dialog, MAKEINTRESOURCEW(32770), nullptr);
-        } while (dialog != nullptr && GetWindow(dialog, GW_OWNER) != host);
-        if (IsWindowVisible(dialog)) {
-            KillTimer(host, timer);
-            (*user)(dialog);
-        } else if (GetTickCount64() > end) {
-            ADD_FAILURE() << "no file dialog";
-            std::_Exit(1); // the plug-in waits for it
-        }
+    const HWND panel = Show(L"-xsltfile=old");
+    answer = [](const OPENFILENAMEW& dialog) {
+        const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0", 38);
+        EXPECT_EQ(std::wstring(dialog.lpstrFilter, filter.size()), filter);
+        EXPECT_EQ(dialog.lpstrInitialDir, ModuleFolder(PluginModule()).Text() + std::wstring(L"XSLT"));
+        EXPECT_STREQ(dialog.lpstrFile, L"");
+        EXPECT_EQ(dialog.nMaxFile, 260u) << "units";
+        EXPECT_EQ(dialog.Flags, 0u);
+        return FALSE;
     };
-    SetTimer(GetAncestor(panel, GA_ROOT), 1, 10, look);
     PressBrowse(panel);
+    EXPECT_EQ(FieldText(panel, kXsltFile), L"old");
+
+    // The dialog moves to the folder that it shows, and the host may replace the panel meanwhile.
+    const auto currentFolder = std::filesystem::current_path();
+    answer = [this](const OPENFILENAMEW& dialog) {
+        Show(L"-xsltfile=new");
+        std::wcscpy(dialog.lpstrFile, L"C:\\chosen.xsl");
+        return SetCurrentDirectoryW(L"C:\\");
+    };
+    PressBrowse(panel);
+    EXPECT_EQ(std::filesystem::current_path(), currentFolder);
+    EXPECT_EQ(Read(kClose), L"-xsltfile=\"new\" -ext=\"\"");
 }
 
 /// The edit field of the file dialog: by itself in the older dialog, else within one or two combo boxes.
@@ -378,41 +370,32 @@ HWND FileNameField(HWND dialog) {
     return field;
 }
 
-void Choose(HWND dialog, const wchar_t* file) {
-    SetWindowTextW(FileNameField(dialog), file);
-    PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-}
-
-TEST_F(Panel, BrowsesForAStyleSheet) {
+TEST_F(Panel, TakesWhatTheUserChooses) {
     const HWND panel = Show();
-    const auto currentFolder = std::filesystem::current_path();
-    // The folder that the system remembers from now on.
-    wchar_t other[MAX_PATH] = {};
-    GetWindowsDirectoryW(other, MAX_PATH);
-    const std::wstring old = other + std::wstring(L"\\old.xsl");
-    Browse(panel, [&](HWND dialog) { Choose(dialog, old.c_str()); });
-    EXPECT_EQ(FieldText(panel, kXsltFile), old);
-    Browse(panel, [](HWND dialog) {
-        EXPECT_EQ(TextOf(FileNameField(dialog)), L"");
-        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-    });
-    EXPECT_EQ(FieldText(panel, kXsltFile), old);
-    Browse(panel, [](HWND dialog) { Choose(dialog, L"new one.xsl"); });
+    static ULONGLONG end;
+    end = GetTickCount64() + 60'000;
+    const auto choose = [](HWND owner, UINT, UINT_PTR timer, DWORD) {
+        HWND dialog = nullptr; // other tests may have one open as well
+        do {
+            dialog = FindWindowExW(nullptr, dialog, MAKEINTRESOURCEW(32770), nullptr);
+        } while (dialog != nullptr && GetWindow(dialog, GW_OWNER) != owner);
+        if (IsWindowVisible(dialog)) {
+            KillTimer(owner, timer);
+            SetWindowTextW(FileNameField(dialog), L"new one.xsl");
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        } else if (GetTickCount64() > end) {
+            ADD_FAILURE() << "no file dialog";
+            std::_Exit(1); // the plug-in waits for it
+        }
+    };
+    SetTimer(host.Get(), 1, 10, choose);
+    PressBrowse(panel);
     const std::wstring chosen = FieldText(panel, kXsltFile);
     EXPECT_TRUE(chosen.ends_with(L"\\new one.xsl")) << chosen;
     if (RunsUnderWine()) { // since Windows 7 the folder that the user chose last may go before the plug-in's
         EXPECT_EQ(chosen, ModuleFolder(PluginModule()).Text() + std::wstring(L"XSLT\\new one.xsl"));
     }
     EXPECT_TRUE(ShowsItsEnd(GetDlgItem(panel, kXsltFile)));
-    EXPECT_EQ(std::filesystem::current_path(), currentFolder);
-}
-
-TEST_F(Panel, MayBeReplacedWhileTheUserBrowses) {
-    Browse(Show(), [this](HWND dialog) {
-        Show(L"-xsltfile=new");
-        Choose(dialog, L"chosen.xsl");
-    });
-    EXPECT_EQ(Read(kClose), L"-xsltfile=\"new\" -ext=\"\"");
 }
 
 } // namespace

@@ -211,34 +211,6 @@ TEST_F(ConversionTest, SettingsDecideTheOutputPath) {
     EXPECT_TRUE(ReadBytes(converted).starts_with("<?xml"));
 }
 
-TEST_F(ConversionTest, NamesAreTakenAsTheyAre) {
-    std::wstring deep = L"\\\\?\\" + folder;
-    for (int i = 0; i < 4; ++i) {
-        deep += std::wstring(100, L'd') + L"\\";
-        EXPECT_TRUE(CreateDirectoryW(deep.c_str(), nullptr));
-    }
-    const struct {
-        std::wstring prefix, folder, name;
-        std::string text;
-    } rows[] = {
-        {L"\\\\?\\", deep.substr(4), L"deep", "deep"},
-        {L"", folder, L"\U0001F3B5 song", "\xF0\x9F\x8E\xB5 song"},
-        {L"", folder, L"a\xD800z", "a\xEF\xBF\xBDz"},
-        {L"", folder, L"dots.. .", "dots.. ."},
-    };
-    for (const auto& row : rows) {
-        converted = row.folder + row.name + L".OUT";
-        const OwnedFile file(CreateFileW((row.prefix + converted).c_str(), GENERIC_WRITE, kShareAll, nullptr,
-                                         CREATE_ALWAYS, 0, nullptr));
-        Convert();
-        if (file.IsValid()) { // else it is no name for this system
-            const std::string written = ReadBytes(row.prefix + row.folder + row.name + L".xml");
-            EXPECT_EQ(Count(written, "<FileNameNoExt>" + row.text + "<"), 1u) << row.text;
-            EXPECT_EQ(Count(written, "<FileBitrate>705<"), 1u) << row.text;
-        }
-    }
-}
-
 TEST_F(ConversionTest, RefusesTwoKindsOfConvertedFiles) {
     const std::wstring ripper =
         L"Write XML incompatible with option in Platterhawk 'Rip to ._ Files, rename Album at end'\r\n";

@@ -309,6 +309,8 @@ TEST_F(Panel, NamesItsFirstField) {
     plugin.Destroy();
     EXPECT_EQ(service.calls, L"Apply XSLT file: cleared;Apply XSLT file: cleared;");
     CoRevokeClassObject(cookie);
+    EXPECT_EQ(CoInitialize(nullptr), S_FALSE) << "the panels left COM once too often";
+    CoUninitialize();
     CoUninitialize();
 }
 

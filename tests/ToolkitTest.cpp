@@ -304,8 +304,8 @@ TEST(LabelFont, IsTheLargestInWhichEveryLabelFits) {
         sizes[0].push_back(text.right);
         sizes[1].push_back(text.bottom);
         for (const auto& side : sizes) {
-            // The second label gets the room that the text needs in this font.
-            SetWindowPos(labels[1], nullptr, 0, 0, &side == sizes ? text.right : kAmple.cx,
+            // The first label gets the room that the text needs in this font.
+            SetWindowPos(labels[0], nullptr, 0, 0, &side == sizes ? text.right : kAmple.cx,
                          &side == sizes ? kAmple.cy : text.bottom, 0);
             const auto step = std::find(side.begin(), side.end(), side.back()) - side.begin();
             const OwnedFont font = FitLabels(dialog.Hwnd());

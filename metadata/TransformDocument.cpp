@@ -1,6 +1,7 @@
 #include "metadata/TransformDocument.h"
 
 #include "support/DebugLog.h"
+#include "support/Owner.h"
 
 #include <msxml2.h>
 
@@ -75,8 +76,8 @@ void CopyMemoryBlock(IStream* stream, std::vector<uint8_t>& out) {
     if (const SIZE_T size = GlobalSize(block); size != 0) {
         const auto* bytes = static_cast<const uint8_t*>(GlobalLock(block));
         ThrowUnless(bytes != nullptr);
+        const Owner<HGLOBAL, GlobalUnlock> locked(block); // until the end, by an exception as well
         out.assign(bytes, bytes + size);
-        GlobalUnlock(block);
     }
 }
 

@@ -1,0 +1,75 @@
+#include "tests/shared/FailingConversion.h"
+
+namespace {
+
+TEST_F(FailingConversion, LeavesNothingBehind) {
+    LetConversionsFail({});
+}
+
+TEST_F(FailingConversion, OnAFullDiskWritesTheDocumentsBeginning) {
+    // A document of several writes, in letters of the most bytes.
+    tags = TagBlob().Add(L"LYRICS", std::wstring(200'000, L'\u65e5')).Bytes();
+    const Scenario convert = [this] { return Convert(); };
+    convert();
+    const std::string wanted = ReadBytes(document);
+    const uint64_t calls = stubs["WriteFile"].calls;
+    for (const BOOL answer : {FALSE, TRUE}) { // a write that fails, and one of fewer bytes
+        std::set<size_t> sizes;
+        for (uint64_t call = 1; call <= calls; ++call) {
+            const std::string result = Run(convert, {"WriteFile", answer, ERROR_DISK_FULL, {}}, call);
+            ASSERT_EQ(result.find(';'), std::string::npos) << result;
+            const std::string bytes = ReadBytes(document);
+            ASSERT_TRUE(wanted.starts_with(bytes)) << "after call " << call << ", which fails";
+            sizes.insert(bytes.size());
+        }
+        EXPECT_GT(sizes.size(), 3u) << "nothing, one write, two writes, all";
+    }
+}
+
+TEST_F(FailingConversion, KeepsTheTraceBalanced) {
+    const std::pair<const wchar_t*, std::function<int64_t()>> rows[] = {
+        {L"BeginConversion",
+         [this] {
+             return CALL_PLUGIN(DSP_BeginConversion, plugin.Instance(), nullptr, L"-ext=.a", nullptr);
+         }},
+        {L"ShowConfigBit",
+         [this] {
+             return reinterpret_cast<intptr_t>(
+                 CALL_PLUGIN(DSP_ShowConfigBit, plugin.Instance(), nullptr, 0, 0, L"-ext=.a"));
+         }},
+        {L"RemoveConfigBit", [this] {
+             return reinterpret_cast<intptr_t>(CALL_PLUGIN(DSP_RemoveConfigBit, plugin.Instance(), 0));
+         }}};
+    for (const auto& [method, call] : rows) {
+        plugin.Trace();
+        Account::Heap::size = Account::Heap::used;
+        EXPECT_EQ(call(), 0) << method;
+        Account::Heap::EndAt(0);
+        const std::wstring scope = std::wstring(L"  [clDSP_WriteMetadataFile::") + method + L"]\r\n";
+        EXPECT_EQ(plugin.Trace(), L"->->" + scope + L"<-<-" + scope + L"*** Error: Out of memory\r\n");
+    }
+}
+
+TEST_F(FailingConversion, LooksForDecodersOfAProgramDeepInFolders) {
+    static std::set<std::wstring> patterns;
+    static const std::wstring programFolder =
+        L"C:\\" + std::wstring(200, L'a') + L"\\" + std::wstring(200, L'b') + L"\\";
+    static void* findFirst;
+    patterns.clear();
+    findFirst = stubs["FindFirstFileW"].target;
+    const auto name = [](HMODULE, wchar_t* path, DWORD size) {
+        return static_cast<DWORD>((programFolder + L"program.exe").copy(path, size));
+    };
+    const auto find = [](const wchar_t* pattern, WIN32_FIND_DATAW* found) {
+        patterns.insert(pattern);
+        return reinterpret_cast<decltype(&FindFirstFileW)>(findFirst)(pattern, found);
+    };
+    stubs["GetModuleFileNameW"].target = reinterpret_cast<void*>(+name);
+    stubs["FindFirstFileW"].target = reinterpret_cast<void*>(+find);
+    Convert();
+    EXPECT_EQ(patterns.count(L"\\\\?\\" + programFolder + L"decoder\\*.dll"), 1u);
+    stubs["GetModuleFileNameW"].target = stubs["GetModuleFileNameW"].function;
+    stubs["FindFirstFileW"].target = findFirst;
+}
+
+} // namespace

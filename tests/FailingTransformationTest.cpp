@@ -1,0 +1,130 @@
+#include "tests/shared/FailingConversion.h"
+
+#include <msxml2.h>
+
+namespace {
+
+template<class Interface>
+void Make(Interface*& object, const wchar_t* classText, const wchar_t* interfaceText) {
+    GUID classId = {};
+    GUID interfaceId = {};
+    CLSIDFromString(classText, &classId);
+    CLSIDFromString(interfaceText, &interfaceId);
+    ASSERT_EQ(CoCreateInstance(classId, nullptr, CLSCTX_ALL, interfaceId, reinterpret_cast<void**>(&object)),
+              S_OK);
+}
+
+/// With stubs in the methods of the real XML parser. Its objects are not released, which keeps it loaded.
+class FailingTransformation : public FailingConversion {
+protected:
+    FailingTransformation() {
+        CoInitialize(nullptr);
+        IXMLDOMDocument* xml = nullptr;
+        IXMLDOMDocument* freeThreaded = nullptr;
+        IXSLTemplate* sheets = nullptr;
+        IXSLProcessor* processor = nullptr;
+        IXMLDOMParseError* parseError = nullptr;
+        ISupportErrorInfo* support = nullptr;
+        Make(xml, L"{F6D90F11-9C73-11D3-B32E-00C04F990BB4}", L"{2933BF81-7B36-11D2-B20E-00C04F983E60}");
+        Make(freeThreaded, L"{F6D90F12-9C73-11D3-B32E-00C04F990BB4}",
+             L"{2933BF81-7B36-11D2-B20E-00C04F983E60}");
+        Make(sheets, L"{2933BF94-7B36-11D2-B20E-00C04F983E60}", L"{2933BF93-7B36-11D2-B20E-00C04F983E60}");
+        std::wstring text = L"<s:stylesheet version='1.0' xmlns:s='http://www.w3.org/1999/XSL/Transform'/>";
+        VARIANT_BOOL loaded = VARIANT_FALSE;
+        freeThreaded->loadXML(text.data(), &loaded);
+        xml->get_parseError(&parseError);
+        xml->QueryInterface(IID_ISupportErrorInfo, reinterpret_cast<void**>(&support));
+        sheets->putref_stylesheet(freeThreaded);
+        sheets->createProcessor(&processor);
+        Account::Watch(xml, "document");
+        Account::Watch(sheets, "template");
+        const struct {
+            const char* name;
+            void* object;
+            size_t method;
+        } methods[] = {{"load", freeThreaded, 58},
+                       {"parseError", xml, 60},
+                       {"loadXML", xml, 65},
+                       {"putref_stylesheet", sheets, 7},
+                       {"createProcessor", sheets, 9},
+                       {"put_output", processor, 13},
+                       {"transform", processor, 15},
+                       {"reason", parseError, 9},
+                       {"suppliesErrorInfo", support, 3}};
+        for (const auto& row : methods) {
+            Account::WatchMethod(row.name, row.object, row.method);
+        }
+        // The description that the next failing call finds.
+        ICreateErrorInfo* creation = nullptr;
+        std::wstring description = L"described";
+        CreateErrorInfo(&creation);
+        creation->SetDescription(description.data());
+        creation->QueryInterface(IID_IErrorInfo, reinterpret_cast<void**>(&errorInfo));
+        settings = L"-xsltfile=\"" + sheet + L"\"";
+        end = "[END]";
+    }
+
+    const std::wstring sheet = folder + L"sheet.xsl";
+    const std::string reported = RunsUnderWine() ? "described" : ""; // which Windows' parser may replace
+    const std::string loadXml = "kept; Error loading intermediate XML: ";
+};
+
+TEST_F(FailingTransformation, LeavesNothingBehind) {
+    WriteTestFile(sheet,
+                  "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
+                  "<xsl:output method='text' encoding='UTF-8'/><xsl:template match='/'>"
+                  "<xsl:for-each select='//FileCreated|//FileModified|//FileAccessed|//FileBitrate|//IDTags|"
+                  "//AudioProperties'><xsl:value-of select='.'/></xsl:for-each>[END]"
+                  "</xsl:template></xsl:stylesheet>");
+    const std::string loadSheet = "kept; Error loading XSLT file: ";
+    const std::string apply = "kept; Error applying XSL style sheet: ";
+    const std::string other = "kept; Unexpected MS XML error: ";
+    const std::string outOfMemory = "not done, kept; Out of memory";
+    LetConversionsFail(
+        {
+            // No class can be made then. COM is left all the same.
+            {"CoInitialize", E_OUTOFMEMORY, 0, {other + "; CoUninitialize: not taken"}},
+            {"CoCreateInstance", REGDB_E_CLASSNOTREG, 0, {other}},
+            {"CoCreateInstance", E_NOINTERFACE, 0, {loadXml, loadSheet, apply}},
+            {"OleRun", E_FAIL, 0, {other}},
+            {"OleRun", E_NOINTERFACE, 0, {loadXml, loadSheet, apply}},
+            {"query document", E_OUTOFMEMORY, 0, {other}},
+            {"query document", E_NOINTERFACE, 0, {loadXml, loadSheet}},
+            {"query template", E_NOINTERFACE, 0, {apply}},
+            {"SysAllocStringLen", 0, 0, {outOfMemory}},
+            {"loadXML", E_FAIL, 0, {loadXml + reported}},
+            {"loadXML", S_FALSE, 0, {"kept; Loading intermediate XML failed; "}},
+            {"load", E_FAIL, 0, {loadSheet + reported}},
+            {"load", S_FALSE, 0, {"kept; Loading XSL failed; "}},
+            {"putref_stylesheet", E_FAIL, 0, RunsUnderWine() ? Results{other} : Results{apply, other}},
+            {"createProcessor", E_FAIL, 0, {apply}},
+            {"createProcessor", S_OK, 0, {other}}, // and gives none
+            {"CreateStreamOnHGlobal", E_OUTOFMEMORY, 0, {other}},
+            {"put_output", E_FAIL, 0, {"empty"}}, // not asked; without an input Wine's parser crashes
+            {"transform", E_FAIL, 0, {other}},
+            {"GetHGlobalFromStream", E_INVALIDARG, 0, {other}},
+            {"GlobalSize", 0, ERROR_INVALID_HANDLE, {"empty"}}, // as of an empty result
+            {"GlobalLock", 0, ERROR_DISCARDED, {other}},
+        },
+        "empty");
+}
+
+TEST_F(FailingTransformation, ReportsABrokenStyleSheetOnce) {
+    WriteTestFile(sheet, "<");
+    const Scenario convert = [this] { return Convert(); };
+    EXPECT_EQ(Run(convert, {}, 0), "kept; Loading XSL failed; ");
+    for (const auto& [method, known] :
+         {std::pair{"parseError", reported}, std::pair{"reason", std::string()}}) {
+        EXPECT_EQ(Run(convert, {method, E_FAIL, 0, {}}, 1),
+                  "kept; Loading XSL failed; Error loading XSLT file: " + known);
+    }
+}
+
+TEST_F(FailingTransformation, TakesNoDescriptionThatIsNotOfTheFailedCall) {
+    WriteTestFile(sheet, "<");
+    stubs["suppliesErrorInfo"].FailAt(1, S_FALSE, 0);
+    EXPECT_EQ(Run([this] { return Convert(); }, {"loadXML", E_FAIL, 0, {}}, 1), loadXml);
+    EXPECT_EQ(stubs["suppliesErrorInfo"].calls, 1u);
+}
+
+} // namespace

@@ -26,10 +26,10 @@ TRAPS = """<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/T
 
 
 def script(folder, *arguments):
-    """What TryStyleSheet.js prints, and its exit code."""
-    made = run(ROOT / "cmake" / "run-under-wine.sh", "cscript", "//nologo", "TryStyleSheet.js", *arguments,
+    """What Transform.js prints, and its exit code."""
+    made = run(ROOT / "cmake" / "run-under-wine.sh", "cscript", "//nologo", "Transform.js", *arguments,
                cwd=folder)
-    return made.stdout.decode().replace("\r\n", "\n"), made.returncode
+    return made.stdout.decode(errors="replace").replace("\r\n", "\n"), made.returncode
 
 
 def utf16(path):
@@ -39,6 +39,12 @@ def utf16(path):
 def same_page(text):
     """HTML without what says which encoding it is in, and without the document type."""
     return re.sub(r"<!DOCTYPE[^>]*>\s*|(?<=charset=)[-\w]+|\n$", "", text)
+
+
+def shown(page, command):
+    """What the pattern captures, or all, of the one line of commands in docs/`page` that it matches."""
+    line, = re.finditer(f"(?m)^    {command}$", (ROOT / "docs" / page).read_text("utf-8"))
+    return line[line.re.groups].strip()
 
 
 def check_example(results, folder):
@@ -55,8 +61,7 @@ def check_example(results, folder):
     table = run("cmark-gfm", "--extension", "table", stdin=want.encode()).stdout.decode()
     results.equal("example is a table", re.findall("<td>(.*?)</td>", table)[-2:], ["DISC/NO", "1/2"])
 
-    command = re.search(r"(?m)^    cscript //nologo TryStyleSheet.js (.*)$", (ROOT / "docs" / PAGE).read_text("utf-8"))
-    printed, status = script(folder, *command[1].split())
+    printed, status = script(folder, *shown(PAGE, "cscript //nologo Transform.js (.* song.md)").split())
     results.equal("example by the script", (status, utf16(folder / "song.md")), (0, want))
     results.equal("the script says where", r"\song.md: " in printed, True)
 
@@ -76,25 +81,93 @@ def check_script(results, folder):
     results.equal("traps", utf16(folder / "out.txt"), "own 0 1")
 
     (folder / "broken.xml").write_text("<AudioMetadata>")
+    (folder / "other.xml").write_text("<Other/>")
     (folder / "entity.xslt").write_text(TRAPS.replace("nowhere", "&nbsp;"))
-    for label, arguments, want in (
-            ("a broken document", ("broken.xml", "table.xslt", "none.txt"), r"\broken.xml: "),
-            ("a name from HTML", ("song.xml", "entity.xslt", "none.txt"), r"\entity.xslt: "),
-            ("a missing style sheet", ("song.xml", "missing.xslt", "none.txt"), r"\missing.xslt: there is no such"),
-            ("two arguments", ("song.xml", "table.xslt"), "DOCUMENT STYLESHEET OUTPUT")):
+    (folder / "empty.xslt").write_text(re.sub('(?s)(?<=match="/">).*?(?=</xsl:template>)', "", TRAPS))
+    (folder / "none").mkdir()
+    before = contents(folder)
+    usage = "Expected: DOCUMENT STYLESHEET OUTPUT"
+    for label, arguments, wants in (
+            ("a broken document", ("broken.xml", "table.xslt", "none.txt"), [r"\broken.xml: "]),
+            ("a foreign document", ("other.xml", "table.xslt", "none.txt"), [r"\other.xml: expected a document"]),
+            ("a name from HTML", ("song.xml", "entity.xslt", "none.txt"), [r"\entity.xslt: "]),
+            ("a missing style sheet", ("song.xml", "no.xslt", "none.txt"), [r"\no.xslt: there is no such", usage]),
+            ("a missing document", ("no.xml", "table.xslt", "none.txt"), [r"\no.xml: there is no such", usage]),
+            ("a document for a style sheet", ("song.xml", "song.xml", "none.txt"), ["expected a style sheet", usage]),
+            ("two arguments", ("song.xml", "table.xslt"), [usage]),
+            ("an empty result", ("song.xml", "empty.xslt", "none.txt"), [r"\song.xml: the result is empty"]),
+            ("the document's place", ("song.xml", "table.xslt", "SONG.xml"), ["would replace"]),
+            ("the style sheet's place", ("song.xml", "table.xslt", "table.xslt"), ["would replace"]),
+            ("a recording's place", ("song.xml", "table.xslt", "none.FLAC"), ["would replace"]),
+            ("documents' places", (".", "table.xslt", ".xml"), ["expected an extension", usage]),
+            ("recordings' places", (".", "table.xslt", ".flac"), ["song.flac: this would replace", "0 written"]),
+            ("a folder and a file", (".", "table.xslt", "none.txt"), ["expected an extension", usage]),
+            ("a folder without documents", ("none", "table.xslt", ".txt"), ["0 written, 0 failed"])):
         printed, status = script(folder, *arguments)
-        results.equal(f"the script and {label}", (status, want in printed), (1, True))
-    results.equal("no output after an error", (folder / "none.txt").exists(), False)
+        missing = [want for want in wants if want not in printed]
+        results.equal(f"the script and {label}", (status, missing, contents(folder) == before), (1, [], True))
+
+
+def contents(folder):
+    return {path: path.read_bytes() for path in folder.rglob("*") if path.is_file()}
+
+
+def check_folders(results, folder):
+    """Every document in a folder and those below it, by the script and as the page shows for other systems."""
+    music = folder / "music"
+    below = music / "Łódź & 100%" / "below"
+    below.mkdir(parents=True)
+    songs = [music / "a song.xml", below / "sóng.XML", *(below / f"{i}.xml" for i in range(98))]
+    for song in songs:
+        shutil.copy(folder / "song.xml", song)
+    (music / "broken.xml").write_text("<AudioMetadata>")
+    (below / "other.xml").write_text("<Other/>")
+    (below / "song.xmlx").write_text("")
+    before = contents(music)
+    command = shown(PAGE, r"cscript //nologo Transform.js (D:\\Music .*)").replace(r"D:\Music", "music")
+    printed, status = script(folder, *command.split())
+    results.equal("a folder by the script", (status, re.findall(r"(?m)^\d.*|broken.xml(?=: )", printed)),
+                  (1, ["broken.xml", "100 of 102", "100 written, 1 failed, 1 are no documents"]))
+    want = run("xsltproc", "Html.xslt", "song.xml", cwd=folder).stdout.decode()
+    pages = {song.with_suffix(".html"): same_page(want) for song in songs}
+    made = {path: same_page(utf16(path)) for path in contents(music) if path not in before}
+    results.equal("pages by the script", made, pages)
+    results.equal("no document changed", [path for path in before if path.read_bytes() != before[path]], [])
+
+    for page in pages:
+        page.unlink()
+    (folder / "XSLT").mkdir()
+    shutil.copy(folder / "Html.xslt", folder / "XSLT")
+    shown_line = shown(PAGE, "find .*xsltproc .*")
+    made = run("env", f"HOME={folder}", "bash", "-c", shown_line, cwd=music)
+    results.equal("a folder by find names what is broken", b"broken.xml:1: parser error" in made.stderr, True)
+    results.equal("pages by find", (music / "a song.html").read_text("utf-8"), want)
+
+
+def check_missing(results, folder):
+    """The commands that name the documents missing after a batch."""
+    batch = folder / "batch" / "a folder below"
+    batch.mkdir(parents=True)
+    for name, size in (("made.flac", 1), ("made.xml", 1), ("not made.flac", 1), ("empty.flac", 1), ("empty.xml", 0)):
+        (batch / name).write_text("x" * size)
+    for command in ("for .*flac.*", "for .*xml.*==0.*", "find .*flac.*", "find .* -empty"):
+        line = shown("troubleshooting.md", command)
+        shell = [ROOT / "cmake" / "run-under-wine.sh", "cmd"] if line.startswith("for") else ["bash"]
+        made = run(*shell, stdin=line.encode() + b"\n", cwd=folder / "batch").stdout.decode(errors="replace")
+        names = re.findall(r"below[\\/](.*?)\r?\n", made)
+        results.equal(line, names, ["not made.flac" if "flac" in command else "empty.xml"])
 
 
 def main():
-    folder = Path(sys.argv[1])
+    folder = Path(sys.argv[1]).resolve()
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    shutil.copy(ROOT / "XSLT" / "TryStyleSheet.js", folder)
+    shutil.copy(ROOT / "XSLT" / "Transform.js", folder)
     results = Results()
     check_example(results, folder)
     check_script(results, folder)
+    check_folders(results, folder)
+    check_missing(results, folder)
     print(f"{results.passed} passed, {results.failed} failed")
     return 1 if results.failed else 0
 

@@ -4,6 +4,7 @@
 #include "tests/shared/PluginHarness.h"
 #include "tests/shared/TestWindow.h"
 #include "toolkit/XIcon.h"
+#include "tools/PrivateRegistry.h"
 
 #include <commdlg.h>
 #include <dlgs.h>
@@ -51,6 +52,7 @@ public:
 
     std::wstring Read(int64_t mode) { return CALL_PLUGIN(DSP_RemoveConfigBit, plugin.Instance(), mode); }
 
+    PrivateRegistry registry; // the file dialog remembers in it what was chosen
     OwnedWindow host = MakeTopWindow();
     CallStubs stubs;       // destroyed after the library that calls through them
     PluginInstance plugin; // destroyed before its host window

@@ -2,12 +2,13 @@
 
 #include "tests/fixtures/FixtureDecoder.h"
 #include "tests/shared/Files.h"
+#include "tools/PrivateRegistry.h"
 
 #include <functional>
 #include <map>
 
-/// The decoder folder beside the test program, filled with fixture libraries, and the registry cache, empty
-/// at first. All test processes share the folder and the cache, so only one at a time may use them.
+/// The decoder folder beside the test program, filled with fixture libraries, and a registry cache of the
+/// process's own, empty at first. All test processes share the folder, so only one at a time may use it.
 class Decoders {
 public:
     Decoders() {
@@ -92,11 +93,9 @@ public:
     inline static Decoders* current = nullptr;
 
 private:
-    static void Clear() {
-        TempFolder::Remove(Folder().substr(0, Folder().size() - 1));
-        RegDeleteKeyW(HKEY_CURRENT_USER, kCacheKey);
-    }
+    static void Clear() { TempFolder::Remove(Folder().substr(0, Folder().size() - 1)); }
 
+    PrivateRegistry m_registry;
     std::map<std::wstring, FixtureBehaviour> m_behaviours;
     std::vector<std::wstring> m_calls;
     const void* m_context = nullptr;

@@ -1,5 +1,6 @@
 #include "support/Paths.h"
 #include "support/XFileFind.h"
+#include "tools/PrivateRegistry.h"
 #include "tools/host/Console.h"
 #include "tools/host/Conversion.h"
 #include "tools/host/DocumentFile.h"
@@ -29,6 +30,7 @@ bool LoadPlugin(PluginLibrary& plugin, const XString& path) {
 }
 
 bool Convert(const PluginInstance& instance, const Options& options) {
+    const PrivateRegistry registry; // a converter's cache of decoder libraries is not ours to change
     const DocumentFile document(options);
     const bool done = RunConversion(instance, options);
     const int64_t size = document.WrittenSize();

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Shows the plug-in at work: converts recordings to FLAC and has the plug-in write a metadata document for each, and
-# what each of its style sheets makes of it.
+# Shows the plug-in at work: converts recordings to FLAC and has the plug-in write a metadata document for each, and for
+# one of them what each of its style sheets makes of it.
 #
 #   scripts/demo.sh [WAV…]
 #
@@ -33,6 +33,7 @@ if (($# == 0)); then
 fi
 
 build mingw-release WriteMetadataFile dsphost wav flac
+one_processor
 start_wine wine
 
 demo=$root/build/demo
@@ -76,14 +77,27 @@ for wav in "${recordings[@]}"; do
     printf '[%d/%d] ' $((++count)) ${#recordings[@]}
     run_wine "$build/tools/dsphost.exe" "$(windows_path "$wav")" "$(windows_path "$converted")" </dev/null
     check "$document" "$(title_of "$wav")"
-    transform "$build" "$wav" "$converted" >/dev/null
 done
+transform "$build" "$wav" "$converted" >/dev/null # all forms of the last one
 
 printf '\n%s\n\n' "$document"
 tr -d '\r' <"$document"
 
-printf '\nReading back what the style sheets made, with xsltproc, Python, metaflac, ffmpeg, jq and SQLite:\n'
-python3 "$root/tests/stylesheets/check_sheets.py" "$root/build/demo-check" "$demo"
+printf '\nReading back what the style sheets made of it, with xsltproc, Python, metaflac, ffmpeg, jq and SQLite:\n'
+name=$(basename "${document%.xml}")
+produced=$root/build/demo-check/produced
+rm -rf "$produced"
+mkdir -p "$produced"
+cp "$demo/$name".* "$produced/"
+python3 "$root/tests/stylesheets/check_sheets.py" "$root/build/demo-check" "$produced"
 
-printf '\n%d documents, accepted by xmllint and the schema, lie beside their FLAC files, each in seven more forms, in\n%s\n' \
-    "$count" "$demo"
+cat <<END
+
+$count documents, accepted by xmllint and the schema, lie beside their FLAC files in
+$demo
+
+What next:
+  open $demo/$name.html in a browser, and look at the other forms of $name beside it
+  scripts/demo.sh RECORDING.wav…   the same with recordings of your own
+  scripts/package.sh               the package for Windows; docs/installing.md says where its files go
+END

@@ -49,7 +49,11 @@ ProgramRun RunProgram(const std::filesystem::path& program, const std::wstring& 
     }
     const OwnedHandle process(started.hProcess);
     const OwnedHandle thread(started.hThread);
+    // When we are killed, the job's handle closes and its programs end as well.
     const OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
     AssignProcessToJobObject(job.Get(),
                              process.Get()); // fails where we run in a job ourselves, before Windows 8
     ResumeThread(thread.Get());

@@ -22,7 +22,7 @@ void Write(HANDLE file, const std::string& text) {
 Report::Report(const std::filesystem::path& log)
     : m_log(CreateFileW(log.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr)) {}
 
-void Report::Add(Result result, const std::string& name, const ProgramRun& run) {
+void Report::Add(Result result, Subject subject, const std::string& name, const ProgramRun& run) {
     constexpr const char* kWords[] = {"passed", "FAILED", "skipped"};
     ++m_counts[result];
     char line[32];
@@ -30,17 +30,45 @@ void Report::Add(Result result, const std::string& name, const ProgramRun& run) 
     Print(line + name + "\n");
     if (result != kPassed) {
         const std::string end = run.problem.empty() ? "exit status " + std::to_string(run.exit) : run.problem;
-        m_failures += "\n==== " + name + ", " + kWords[result] + ", " + end + "\n" + run.output;
+        m_details += "\n==== " + name + ", " + kWords[result] + ", " + end + "\n" + run.output;
+    }
+    if (result == kFailed) {
+        m_failed[subject] += ", " + name.substr(name.find(' ') + 1); // without the program
     }
 }
 
 bool Report::Finish(const std::string& problem) {
+    Write(m_log.Get(), m_details);
     char counts[80];
-    std::snprintf(counts, sizeof counts, "\n%d passed, %d failed, %d skipped", m_counts[kPassed],
+    std::snprintf(counts, sizeof counts, "\n%d passed, %d failed, %d skipped\n", m_counts[kPassed],
                   m_counts[kFailed], m_counts[kSkipped]);
-    Print(counts + (problem.empty() ? problem : "; ended early: " + problem) + "\n");
-    Write(m_log.Get(), m_failures);
+    Print(counts + Sentence(problem) + "\n");
     return problem.empty() && m_counts[kPassed] != 0 && m_counts[kFailed] == 0;
+}
+
+std::string Report::Sentence(const std::string& problem) const {
+    constexpr const char* kMeanings[] = {
+        "the plug-in does not write the document that it should, so do not use it on this machine",
+        "these style sheets do not make what they should, so do not use them on this machine: ",
+        "style sheets cannot be tried with Transform.js",
+        "tests of single parts failed, which may matter in rare cases alone",
+    };
+    std::string meanings;
+    for (const Subject subject : {kDocument, kStyleSheet, kScript, kTest}) {
+        if (!m_failed[subject].empty()) {
+            meanings += std::string(meanings.empty() ? "" : "; ") + kMeanings[subject] +
+                        (subject == kStyleSheet ? m_failed[subject].substr(2) : "");
+        }
+    }
+    const std::string untested = problem.empty() ? "" : "The check was not completed: " + problem + ". ";
+    if (!meanings.empty()) {
+        return untested + "Not everything works on this machine: " + meanings + ".";
+    }
+    if (m_counts[kPassed] == 0) {
+        return untested + "Nothing was tested.";
+    }
+    return untested + "Everything that was tested works on this machine" +
+           (m_counts[kSkipped] == 0 ? "." : "; what was skipped could not be tried on it.");
 }
 
 void Report::Print(const std::string& text) const {

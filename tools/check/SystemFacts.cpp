@@ -1,7 +1,12 @@
 #include "tools/check/SystemFacts.h"
 
+#include "tools/check/Files.h"
+
 #include <windows.h>
 
+#include <bcrypt.h>
+
+#include <cstdio>
 #include <vector>
 
 namespace {
@@ -55,12 +60,41 @@ int Dpi() {
     return dpi;
 }
 
+/// In UTC.
+std::string Now() {
+    SYSTEMTIME now = {};
+    GetSystemTime(&now);
+    char text[40];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d UTC", now.wYear, now.wMonth, now.wDay,
+                  now.wHour, now.wMinute);
+    return text;
+}
+
+std::string Sha256(const std::string& bytes) {
+    BCRYPT_ALG_HANDLE algorithm = nullptr;
+    BCRYPT_HASH_HANDLE hash = nullptr;
+    UCHAR digest[32] = {};
+    BCryptOpenAlgorithmProvider(&algorithm, BCRYPT_SHA256_ALGORITHM, nullptr, 0);
+    BCryptCreateHash(algorithm, &hash, nullptr, 0, nullptr, 0, 0);
+    auto* data = reinterpret_cast<UCHAR*>(const_cast<char*>(bytes.data()));
+    BCryptHashData(hash, data, static_cast<ULONG>(bytes.size()), 0);
+    BCryptFinishHash(hash, digest, sizeof digest, 0);
+    BCryptDestroyHash(hash);
+    BCryptCloseAlgorithmProvider(algorithm, 0);
+    std::string text;
+    for (const UCHAR byte : digest) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02x", byte);
+        text += digits;
+    }
+    return text;
+}
+
 } // namespace
 
-std::string SystemFacts(const std::filesystem::path& plugin) {
-    wchar_t system[MAX_PATH] = {};
-    GetSystemDirectoryW(system, MAX_PATH);
-    return "WriteMetadataFile " + FileVersion(plugin) + "\nWindows " + WindowsVersion() + "\nMSXML " +
-           FileVersion(std::filesystem::path(system) / "msxml3.dll") + "\nlocale " + LocaleName() +
-           ", code page " + std::to_string(GetACP()) + ", " + std::to_string(Dpi()) + " dpi\n";
+std::string SystemFacts(const std::filesystem::path& plugin, const std::string& commit) {
+    return Now() + "\nWriteMetadataFile " + FileVersion(plugin) + ", commit " + commit + "\nSHA-256 " +
+           Sha256(ReadFile(plugin)) + "\nWindows " + WindowsVersion() + "\nMSXML " +
+           FileVersion(SystemFolder() / "msxml3.dll") + "\nlocale " + LocaleName() + ", code page " +
+           std::to_string(GetACP()) + ", " + std::to_string(Dpi()) + " dpi\n";
 }

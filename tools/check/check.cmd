@@ -4,4 +4,4 @@ echo Unzip the whole archive first: %~dp0tests\check.exe is missing.
 pause
 exit /b 1
 :found
-"%~dp0tests\check.exe"
+"%~dp0tests\check.exe" %*

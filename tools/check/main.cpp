@@ -1,7 +1,6 @@
-#include "support/Owner.h"
-#include "tools/check/Program.h"
-#include "tools/check/Report.h"
-#include "tools/check/SavedCache.h"
+#include "tools/PrivateRegistry.h"
+#include "tools/check/Conversions.h"
+#include "tools/check/Files.h"
 #include "tools/check/SystemFacts.h"
 
 #include <algorithm>
@@ -9,20 +8,30 @@
 #include <cstdio>
 #include <exception>
 #include <sstream>
+#include <string_view>
 #include <vector>
 
 // Checks the plug-in on this machine: conversions through every style sheet, and every test in a process of
-// its own. The build and the package for the check put what it needs into the folders beside its own.
+// its own. The package for the check has what it needs in the folders beside its own.
+//
+// With the argument --accept, what the conversions make becomes what is expected of them, and nothing else is
+// tested.
 
 namespace {
 
 namespace fs = std::filesystem;
 
 std::atomic<bool> stopped = false;
+std::atomic<bool> closing = false;
 
-BOOL WINAPI StopOnCtrlC(DWORD event) {
-    stopped = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-    return stopped;
+BOOL WINAPI Stop(DWORD event) {
+    stopped = true;
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        // The window is closed, or the user logs off: the system ends this process when the handler returns.
+        closing = true;
+        Sleep(INFINITE); // until main returns
+    }
+    return TRUE;
 }
 
 fs::path BaseFolder() {
@@ -31,56 +40,16 @@ fs::path BaseFolder() {
     return fs::path(path).parent_path().parent_path();
 }
 
-std::string Utf8(const fs::path& path) {
-    const std::u8string text = path.u8string();
-    return std::string(text.begin(), text.end());
-}
-
-std::vector<fs::path> FilesIn(const fs::path& folder, const wchar_t* extension) {
-    std::vector<fs::path> files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        if (entry.path().extension() == extension) {
-            files.push_back(entry.path());
+/// Those of the package's files that are not there, a comma before each.
+std::string MissingFiles(const fs::path& base) {
+    std::string missing;
+    std::istringstream names(ReadFile(base / "tests" / "files.txt"));
+    for (std::string name; std::getline(names, name);) {
+        if (!fs::exists(base / name)) {
+            missing += ", " + name;
         }
     }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-/// Removes a folder with paths of any length below it; `folder` begins with "\\?\".
-void RemoveTree(const std::wstring& folder) {
-    WIN32_FIND_DATAW entry = {};
-    OwnedFind search(FindFirstFileW((folder + L"\\*").c_str(), &entry));
-    for (bool found = search.IsValid(); found; found = FindNextFileW(search.Get(), &entry)) {
-        const std::wstring name = entry.cFileName;
-        const std::wstring path = std::wstring(folder).append(L"\\").append(name);
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL); // may be read-only
-            DeleteFileW(path.c_str());
-        } else if (name != L"." && name != L"..") {
-            RemoveTree(path);
-        }
-    }
-    search.Reset();
-    RemoveDirectoryW(folder.c_str());
-}
-
-/// The recording's document, and the result of each style sheet.
-void Convert(const fs::path& base, const fs::path& temp, Report& report) {
-    for (const fs::directory_entry& entry : fs::directory_iterator(base / "recording")) {
-        fs::copy_file(entry.path(), temp / entry.path().filename());
-    }
-    const auto convert = [&](const std::string& name, const std::wstring& settings) {
-        const ProgramRun run = RunProgram(base / "tools" / "dsphost.exe",
-                                          L"tone.wav tone.flac --settings \"" + settings + L"\"", temp, temp);
-        report.Add(run.IsDone() ? Report::kPassed : Report::kFailed, "dsphost " + name, run);
-    };
-    convert("document", L"");
-    for (const fs::path& sheet : FilesIn(base / "dist" / "XSLT", L".xslt")) {
-        if (!stopped) {
-            convert(Utf8(sheet.filename()), L"-xsltfile=\\\"" + sheet.wstring() + L"\\\" -ext=.out");
-        }
-    }
+    return missing;
 }
 
 /// The names in what a GoogleTest program lists: "Suite." and below it, indented, its tests.
@@ -112,58 +81,92 @@ void RunTests(const fs::path& folder, const fs::path& temp, Report& report) {
     for (const fs::path& program : FilesIn(folder, L".exe")) {
         const ProgramRun list = RunProgram(program, L"--gtest_list_tests", folder, temp);
         const std::vector<std::string> names = TestNames(list.output);
-        if (!list.IsDone() || names.empty()) {
-            report.Add(Report::kFailed, Utf8(program.stem()) + " lists no tests", list);
+        if ((!list.IsDone() || names.empty()) && !stopped) {
+            report.Add(Report::kFailed, Report::kTest, Utf8(program.stem()) + " lists no tests", list);
         }
         for (const std::string& name : names) {
-            if (stopped) {
-                return;
-            }
             const std::wstring filter(name.begin(), name.end());
             const ProgramRun run = RunProgram(program, L"--gtest_filter=" + filter, folder, temp);
-            report.Add(ResultOf(run), Utf8(program.stem()) + " " + name, run);
+            if (stopped) { // and with it, perhaps, the program
+                return;
+            }
+            report.Add(ResultOf(run), Report::kTest, Utf8(program.stem()) + " " + name, run);
         }
     }
 }
 
-void Check(const fs::path& base, const fs::path& temp, Report& report) {
-    const SavedCache cache;
+/// What this check, or an earlier one that was ended, has left.
+void RemoveLeftovers(const fs::path& temp) {
+    RemoveTree(temp);
+    PrivateRegistry::RemoveAll();
+}
+
+void Check(const fs::path& base, const fs::path& temp, bool isAccepting, Report& report) {
     fs::create_directories(temp);
-    SetConsoleCtrlHandler(StopOnCtrlC, TRUE);
     SetErrorMode(SEM_NOGPFAULTERRORBOX); // programs that crash end at once
     SetEnvironmentVariableW(L"TEMP", temp.c_str());
     SetEnvironmentVariableW(L"TMP", temp.c_str());
     SetEnvironmentVariableW(L"TZ", L"Asia/Tokyo"); // as in tests/CMakeLists.txt; no effect on Windows
-    Convert(base, temp, report);
-    RunTests(base / "tests" / "run", temp, report);
+    Conversions conversions;
+    conversions.base = base;
+    conversions.temp = temp;
+    conversions.isAccepting = isAccepting;
+    conversions.isStopped = [] { return stopped.load(); };
+    conversions.Run(report);
+    if (!isAccepting && !stopped) {
+        RunTests(base / "tests" / "run", temp, report);
+    }
+}
+
+bool RunCheck(const fs::path& base, bool isAccepting, Report& report) {
+    const fs::path temp = base / "temp";
+    std::string problem;
+    RemoveLeftovers(temp);
+    try {
+        Check(base, temp, isAccepting, report);
+        problem = stopped ? "it was stopped" : "";
+    } catch (const std::exception& exception) {
+        problem = exception.what();
+    }
+    RemoveLeftovers(temp);
+    return report.Finish(problem);
 }
 
 /// A window that was opened for the check would close before anyone has read it.
 void WaitForUser() {
     DWORD mode = 0;
-    if (GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) &&
+    if (!closing && GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) &&
         GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode)) {
-        std::puts("check.log has the details. Press Enter to end.");
+        std::puts("Press Enter to end.");
         std::getchar();
     }
 }
 
 } // namespace
 
-int main() {
+int main(int count, char** arguments) {
+    const bool isAccepting = count > 1 && std::string_view(arguments[1]) == "--accept";
     const fs::path base = BaseFolder();
-    const fs::path temp = base / "temp";
+    SetConsoleCtrlHandler(Stop, TRUE);
     Report report(base / "check.log");
-    report.Print(SystemFacts(base / "dist" / "WriteMetadataFile.dll") + "\n");
-    std::string problem;
-    try {
-        Check(base, temp, report);
-        problem = stopped ? "stopped" : "";
-    } catch (const std::exception& exception) {
-        problem = exception.what();
+    const std::string missing = MissingFiles(base);
+    bool passed = false;
+    if (!report.IsOpen()) {
+        report.Print(
+            "This folder cannot be written to: unzip the archive into another one, such as a folder of "
+            "your documents.\n");
+    } else if (!missing.empty()) {
+        report.Print("Unzip the archive again, for files are missing, perhaps removed by a virus scanner: " +
+                     missing.substr(2) + ".\n");
+    } else {
+        report.Print(
+            SystemFacts(base / "dist" / "WriteMetadataFile.dll", ReadFile(base / "tests" / "commit.txt")) +
+            "\n");
+        passed = RunCheck(base, isAccepting, report);
+        if (!closing) {
+            std::puts("The details are in check.log.");
+        }
     }
-    RemoveTree(L"\\\\?\\" + temp.wstring());
-    const bool passed = report.Finish(problem);
     WaitForUser();
     return passed ? 0 : 1;
 }

@@ -48,9 +48,9 @@ bool Report::Finish(const std::string& problem) {
 
 std::string Report::Sentence(const std::string& problem) const {
     constexpr const char* kMeanings[] = {
-        "the plug-in does not write the document that it should, so do not use it on this machine",
-        "these style sheets do not make what they should, so do not use them on this machine: ",
-        "style sheets cannot be tried with Transform.js",
+        "the plug-in does not write the document that it should, so do not use it here",
+        "these style sheets do not make what they should, so do not use them here: ",
+        "Transform.js does not make what it should",
         "tests of single parts failed, which may matter in rare cases alone",
     };
     std::string meanings;

@@ -75,10 +75,9 @@ class Bstr {
 public:
     Bstr() noexcept = default;
 
-    /// A copy of the text. Throws std::bad_alloc.
-    explicit Bstr(const XString& text) {
-        if (text.Size() > UINT_MAX ||
-            (m_text = SysAllocStringLen(text.Text(), static_cast<UINT>(text.Size()))) == nullptr) {
+    /// `size` code units whose content the caller fills in. Throws std::bad_alloc.
+    explicit Bstr(size_t size) {
+        if (size > UINT_MAX || (m_text = SysAllocStringLen(nullptr, static_cast<UINT>(size))) == nullptr) {
             throw std::bad_alloc();
         }
     }
@@ -89,9 +88,6 @@ public:
     ~Bstr() { SysFreeString(m_text); }
 
     BSTR Get() const noexcept { return m_text; }
-
-    /// The string, for a new owner.
-    BSTR Release() noexcept { return std::exchange(m_text, nullptr); }
 
     /// The address for a call that returns a string; only for an owner that holds none.
     BSTR* Receive() noexcept { return &m_text; }
@@ -108,8 +104,11 @@ class Variant {
 public:
     /// VT_BSTR with a copy of the text. Throws std::bad_alloc.
     explicit Variant(const XString& text) {
-        m_value.bstrVal = Bstr(text).Release();
         m_value.vt = VT_BSTR;
+        m_value.bstrVal = SysAllocStringLen(text.Text(), static_cast<UINT>(text.Size()));
+        if (m_value.bstrVal == nullptr) {
+            throw std::bad_alloc();
+        }
     }
 
     /// VT_UNKNOWN with a reference of its own to the object, which may be null.

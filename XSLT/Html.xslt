@@ -14,17 +14,6 @@
     <xsl:output method="html" encoding="UTF-8" indent="no" doctype-system="about:legacy-compat"/>
     <xsl:strip-space elements="*"/>
 
-    <xsl:variable name="upper" select="'ABCDEFGHIJKLMNOPQRSTUVWXYZ'"/>
-    <xsl:variable name="lower" select="'abcdefghijklmnopqrstuvwxyz'"/>
-
-    <!-- Entries by list and name, in either file ("row") or in one ("side"). -->
-    <xsl:key name="row" match="AudioProperties/*[not(@name = preceding-sibling::*[1]/@name)]
-        | IDTags/*[not(@name = preceding-sibling::*[1]/@name)]"
-        use="concat(name(..), translate(@name, 'ABCDEFGHIJKLMNOPQRSTUVWXYZ', 'abcdefghijklmnopqrstuvwxyz'))"/>
-    <xsl:key name="side" match="AudioProperties/* | IDTags/*"
-        use="concat(name(../..), name(..),
-            translate(@name, 'ABCDEFGHIJKLMNOPQRSTUVWXYZ', 'abcdefghijklmnopqrstuvwxyz'))"/>
-
     <xsl:variable name="source" select="/AudioMetadata/SourceFile"/>
     <xsl:variable name="converted" select="/AudioMetadata/ConvertedFile"/>
     <!-- Those that are known; the others hold zeros. -->
@@ -126,15 +115,11 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                     </xsl:call-template>
                     <xsl:call-template name="section">
                         <xsl:with-param name="heading">Audio properties</xsl:with-param>
-                        <xsl:with-param name="rows" select="AudioMetadata/*/AudioProperties/*[
-                            not(@name = preceding-sibling::*[1]/@name)][generate-id() = generate-id(
-                            key('row', concat('AudioProperties', translate(@name, $upper, $lower)))[1])]"/>
+                        <xsl:with-param name="rows" select="AudioMetadata/*/AudioProperties/*"/>
                     </xsl:call-template>
                     <xsl:call-template name="section">
                         <xsl:with-param name="heading">Tags</xsl:with-param>
-                        <xsl:with-param name="rows" select="AudioMetadata/*/IDTags/*[
-                            not(@name = preceding-sibling::*[1]/@name)][generate-id() = generate-id(
-                            key('row', concat('IDTags', translate(@name, $upper, $lower)))[1])]"/>
+                        <xsl:with-param name="rows" select="AudioMetadata/*/IDTags/*"/>
                     </xsl:call-template>
                     <footer>Times are UTC. Length and bitrate come without a unit; what they usually mean stands in
                         grey.</footer>
@@ -183,7 +168,7 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         </div>
     </xsl:template>
 
-    <!-- A table with a row for each of the nodes in rows, which stand for the same thing in either file. -->
+    <!-- A table with a row for each of the facts or each of the names in rows. -->
     <xsl:template name="section">
         <xsl:param name="heading"/>
         <xsl:param name="rows"/>
@@ -202,7 +187,10 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
                         </tr>
                     </thead>
                     <tbody>
-                        <xsl:apply-templates select="$rows" mode="row"/>
+                        <xsl:apply-templates select="$rows[not(@name)]" mode="row"/>
+                        <xsl:call-template name="groups">
+                            <xsl:with-param name="entries" select="$rows[@name]"/>
+                        </xsl:call-template>
                     </tbody>
                 </table>
             </section>
@@ -225,10 +213,20 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         </tr>
     </xsl:template>
 
-    <xsl:template match="AudioProperties/* | IDTags/*" mode="row">
+    <xsl:template match="*" mode="group">
         <xsl:variable name="name" select="concat(name(..), translate(@name, $upper, $lower))"/>
-        <xsl:variable name="old" select="key('side', concat('SourceFile', $name))"/>
-        <xsl:variable name="new" select="key('side', concat('ConvertedFile', $name))"/>
+        <xsl:if test="generate-id() = generate-id(key('row', $name)[1])">
+            <xsl:call-template name="entries">
+                <xsl:with-param name="old" select="key('row', $name)[../parent::SourceFile]"/>
+                <xsl:with-param name="new" select="key('row', $name)[../parent::ConvertedFile]"/>
+            </xsl:call-template>
+        </xsl:if>
+    </xsl:template>
+
+    <!-- The row of the entries of one name, of which the context node is the first. -->
+    <xsl:template name="entries">
+        <xsl:param name="old"/>
+        <xsl:param name="new"/>
         <xsl:variable name="oldValues">
             <xsl:call-template name="values">
                 <xsl:with-param name="entries" select="$old"/>
@@ -294,7 +292,7 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         <xsl:choose>
             <xsl:when test="$entries">
                 <td>
-                    <xsl:call-template name="blocks">
+                    <xsl:call-template name="each">
                         <xsl:with-param name="text" select="$values"/>
                     </xsl:call-template>
                 </td>
@@ -305,40 +303,16 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         </xsl:choose>
     </xsl:template>
 
-    <!-- A block for each of the values in text. Splits near the middle, so that the depth stays small. -->
-    <xsl:template name="blocks">
+    <xsl:template name="value">
         <xsl:param name="text"/>
-        <xsl:param name="tail"/>
-        <xsl:variable name="half" select="floor(string-length($text) div 2)"/>
-        <xsl:variable name="right" select="substring($text, $half + 1)"/>
-        <xsl:choose>
-            <xsl:when test="contains($right, '&#13;')">
-                <xsl:call-template name="blocks">
-                    <xsl:with-param name="text"
-                        select="concat(substring($text, 1, $half), substring-before($right, '&#13;'))"/>
-                </xsl:call-template>
-                <xsl:call-template name="blocks">
-                    <xsl:with-param name="text" select="substring-after($right, '&#13;')"/>
-                    <xsl:with-param name="tail" select="$tail"/>
-                </xsl:call-template>
-            </xsl:when>
-            <xsl:when test="contains($text, '&#13;')">
-                <xsl:call-template name="blocks">
-                    <xsl:with-param name="text" select="substring($text, 1, $half)"/>
-                    <xsl:with-param name="tail" select="concat($right, $tail)"/>
-                </xsl:call-template>
-            </xsl:when>
-            <xsl:otherwise>
-                <div class="value" dir="auto">
-                    <!-- A long value gets a box that scrolls and that the keyboard can reach. -->
-                    <xsl:if test="string-length($text) + string-length($tail) &gt; 1200">
-                        <xsl:attribute name="class">value long</xsl:attribute>
-                        <xsl:attribute name="tabindex">0</xsl:attribute>
-                    </xsl:if>
-                    <xsl:value-of select="concat($text, $tail)"/>
-                </div>
-            </xsl:otherwise>
-        </xsl:choose>
+        <div class="value" dir="auto">
+            <!-- A long value gets a box that scrolls and that the keyboard can reach. -->
+            <xsl:if test="string-length($text) &gt; 1200">
+                <xsl:attribute name="class">value long</xsl:attribute>
+                <xsl:attribute name="tabindex">0</xsl:attribute>
+            </xsl:if>
+            <xsl:value-of select="$text"/>
+        </div>
     </xsl:template>
 
     <xsl:template match="*" mode="value">
@@ -409,54 +383,8 @@ footer { margin-top: 1rem; color: var(--soft); font-size: .85rem; }
         <xsl:value-of select="name()"/>
     </xsl:template>
 
-    <!--
-        Writes the values of one tag, $entries, with a CR between them: no value holds one. A value with
-        Windows line ends was cut at the CR of each, so an entry that begins with LF goes on with the value
-        before it. An empty entry was LF alone if the nearest entry with a text before or after it begins so.
-
-        For a part of the entries, $before and $after are those nearest entries. Halves keep the depth small.
-    -->
-    <xsl:template name="values">
-        <xsl:param name="entries"/>
-        <xsl:param name="before" select="/.."/>
-        <xsl:param name="after" select="/.."/>
-        <xsl:variable name="half" select="floor(count($entries) div 2)"/>
-        <xsl:variable name="last" select="$entries[position() &lt;= $half][
-            . != '' or not(@name = preceding-sibling::*[1]/@name)][last()]"/>
-        <xsl:variable name="next" select="$entries[position() &gt; $half][
-            . != '' or not(@name = preceding-sibling::*[1]/@name)][1]"/>
-        <xsl:choose>
-            <xsl:when test="($last or $next) and $entries[. = '' and @name = preceding-sibling::*[1]/@name]
-                and ($entries[starts-with(., '&#10;')] or starts-with($before, '&#10;')
-                or starts-with($after, '&#10;'))">
-                <xsl:call-template name="values">
-                    <xsl:with-param name="entries" select="$entries[position() &lt;= $half]"/>
-                    <xsl:with-param name="before" select="$before"/>
-                    <xsl:with-param name="after" select="$next | $after[not($next)]"/>
-                </xsl:call-template>
-                <xsl:call-template name="values">
-                    <xsl:with-param name="entries" select="$entries[position() &gt; $half]"/>
-                    <xsl:with-param name="before" select="$last | $before[not($last)]"/>
-                    <xsl:with-param name="after" select="$after"/>
-                </xsl:call-template>
-            </xsl:when>
-            <xsl:otherwise>
-                <xsl:variable name="blank" select="boolean(($before | $after)[starts-with(., '&#10;')
-                    and @name = preceding-sibling::*[1]/@name])"/>
-                <xsl:for-each select="$entries">
-                    <xsl:variable name="goesOn" select="@name = preceding-sibling::*[1]/@name
-                        and (starts-with(., '&#10;') or $blank and . = '')"/>
-                    <xsl:choose>
-                        <xsl:when test="not($goesOn) and ($before or position() &gt; 1)">
-                            <xsl:value-of select="'&#13;'"/>
-                        </xsl:when>
-                        <xsl:when test="$goesOn and . = ''">
-                            <xsl:value-of select="'&#10;'"/>
-                        </xsl:when>
-                    </xsl:choose>
-                    <xsl:value-of select="."/>
-                </xsl:for-each>
-            </xsl:otherwise>
-        </xsl:choose>
-    </xsl:template>
+    <xsl:include href="parts/each.xslt"/>
+    <xsl:include href="parts/groups.xslt"/>
+    <xsl:include href="parts/rows.xslt"/>
+    <xsl:include href="parts/values.xslt"/>
 </xsl:stylesheet>

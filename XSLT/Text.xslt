@@ -13,11 +13,6 @@
     <xsl:output method="text" encoding="UTF-8"/>
     <xsl:strip-space elements="*"/>
 
-    <xsl:key name="entry" match="AudioProperties/* | IDTags/*" use="concat(generate-id(..), ' ', @name)"/>
-    <!-- Values of one tag stand side by side: only the first of such a run can be the first of its name. -->
-    <xsl:key name="run" match="AudioProperties/*[not(@name = preceding-sibling::*[1]/@name)]
-        | IDTags/*[not(@name = preceding-sibling::*[1]/@name)]" use="concat(generate-id(..), ' ', @name)"/>
-
     <xsl:variable name="lineEnd" select="'&#13;&#10;'"/>
     <xsl:variable name="blanks" select="'                                        '"/>
     <!-- Room for the longest fixed label, more for longer names, but no more than the blanks have. -->
@@ -40,6 +35,8 @@
             <xsl:otherwise>22</xsl:otherwise>
         </xsl:choose>
     </xsl:variable>
+    <xsl:variable name="special" select="'&#10;&#13;'"/>
+    <xsl:variable name="marks" select="'&#10;&#10;'"/>
     <xsl:variable name="newLine" select="concat($lineEnd, substring($blanks, 1, $width))"/>
 
     <xsl:template match="/">
@@ -62,11 +59,15 @@
         </xsl:for-each>
         <xsl:if test="AudioProperties/*">
             <xsl:value-of select="concat($lineEnd, 'Audio properties', $lineEnd)"/>
-            <xsl:apply-templates select="AudioProperties"/>
+            <xsl:call-template name="groups">
+                <xsl:with-param name="entries" select="AudioProperties/*"/>
+            </xsl:call-template>
         </xsl:if>
         <xsl:if test="IDTags/*">
             <xsl:value-of select="concat($lineEnd, 'Tags', $lineEnd)"/>
-            <xsl:apply-templates select="IDTags"/>
+            <xsl:call-template name="groups">
+                <xsl:with-param name="entries" select="IDTags/*"/>
+            </xsl:call-template>
         </xsl:if>
     </xsl:template>
 
@@ -126,23 +127,15 @@
     </xsl:template>
     <xsl:template match="*" mode="reading"/>
 
-    <xsl:template match="AudioProperties | IDTags">
-        <xsl:variable name="list" select="concat(generate-id(), ' ')"/>
-        <xsl:for-each select="*[not(@name = preceding-sibling::*[1]/@name)][
-            generate-id() = generate-id(key('run', concat($list, @name))[1])]">
-            <xsl:call-template name="label">
-                <xsl:with-param name="text" select="@name"/>
-            </xsl:call-template>
-            <xsl:variable name="values">
-                <xsl:call-template name="values">
-                    <xsl:with-param name="entries" select="key('entry', concat($list, @name))"/>
-                </xsl:call-template>
-            </xsl:variable>
-            <xsl:call-template name="lines">
-                <xsl:with-param name="text" select="translate($values, '&#13;', '&#10;')"/>
-            </xsl:call-template>
-            <xsl:value-of select="$lineEnd"/>
-        </xsl:for-each>
+    <xsl:template match="*" mode="name">
+        <xsl:param name="values"/>
+        <xsl:call-template name="label">
+            <xsl:with-param name="text" select="@name"/>
+        </xsl:call-template>
+        <xsl:call-template name="escape">
+            <xsl:with-param name="text" select="$values"/>
+        </xsl:call-template>
+        <xsl:value-of select="$lineEnd"/>
     </xsl:template>
 
     <!-- Writes the label and moves on to the column of the values. -->
@@ -159,88 +152,13 @@
         </xsl:choose>
     </xsl:template>
 
-    <!--
-        Writes text with every further line under the first, then clean as it stands. Splits near the middle,
-        so that the depth stays small for a long text, and only beside a line feed, so that a surrogate pair
-        is never cut.
-    -->
-    <xsl:template name="lines">
-        <xsl:param name="text"/>
-        <xsl:param name="clean"/>
-        <xsl:variable name="half" select="floor(string-length($text) div 2)"/>
-        <xsl:variable name="right" select="substring($text, $half + 1)"/>
-        <xsl:choose>
-            <xsl:when test="contains($right, '&#10;')">
-                <xsl:call-template name="lines">
-                    <xsl:with-param name="text"
-                        select="concat(substring($text, 1, $half), substring-before($right, '&#10;'))"/>
-                </xsl:call-template>
-                <xsl:value-of select="$newLine"/>
-                <xsl:call-template name="lines">
-                    <xsl:with-param name="text" select="substring-after($right, '&#10;')"/>
-                    <xsl:with-param name="clean" select="$clean"/>
-                </xsl:call-template>
-            </xsl:when>
-            <xsl:when test="contains($text, '&#10;')">
-                <xsl:call-template name="lines">
-                    <xsl:with-param name="text" select="substring($text, 1, $half)"/>
-                    <xsl:with-param name="clean" select="concat($right, $clean)"/>
-                </xsl:call-template>
-            </xsl:when>
-            <xsl:otherwise>
-                <xsl:value-of select="concat($text, $clean)"/>
-            </xsl:otherwise>
-        </xsl:choose>
+    <!-- Every further value or line of one stands under the first. -->
+    <xsl:template name="escaped">
+        <xsl:value-of select="$newLine"/>
     </xsl:template>
 
-    <!--
-        Writes the values of one tag, $entries, with a CR between them: no value holds one. A value with
-        Windows line ends was cut at the CR of each, so an entry that begins with LF goes on with the value
-        before it. An empty entry was LF alone if the nearest entry with a text before or after it begins so.
-
-        For a part of the entries, $before and $after are those nearest entries. Halves keep the depth small.
-    -->
-    <xsl:template name="values">
-        <xsl:param name="entries"/>
-        <xsl:param name="before" select="/.."/>
-        <xsl:param name="after" select="/.."/>
-        <xsl:variable name="half" select="floor(count($entries) div 2)"/>
-        <xsl:variable name="last" select="$entries[position() &lt;= $half][
-            . != '' or not(@name = preceding-sibling::*[1]/@name)][last()]"/>
-        <xsl:variable name="next" select="$entries[position() &gt; $half][
-            . != '' or not(@name = preceding-sibling::*[1]/@name)][1]"/>
-        <xsl:choose>
-            <xsl:when test="($last or $next) and $entries[. = '' and @name = preceding-sibling::*[1]/@name]
-                and ($entries[starts-with(., '&#10;')] or starts-with($before, '&#10;')
-                or starts-with($after, '&#10;'))">
-                <xsl:call-template name="values">
-                    <xsl:with-param name="entries" select="$entries[position() &lt;= $half]"/>
-                    <xsl:with-param name="before" select="$before"/>
-                    <xsl:with-param name="after" select="$next | $after[not($next)]"/>
-                </xsl:call-template>
-                <xsl:call-template name="values">
-                    <xsl:with-param name="entries" select="$entries[position() &gt; $half]"/>
-                    <xsl:with-param name="before" select="$last | $before[not($last)]"/>
-                    <xsl:with-param name="after" select="$after"/>
-                </xsl:call-template>
-            </xsl:when>
-            <xsl:otherwise>
-                <xsl:variable name="blank" select="boolean(($before | $after)[starts-with(., '&#10;')
-                    and @name = preceding-sibling::*[1]/@name])"/>
-                <xsl:for-each select="$entries">
-                    <xsl:variable name="goesOn" select="@name = preceding-sibling::*[1]/@name
-                        and (starts-with(., '&#10;') or $blank and . = '')"/>
-                    <xsl:choose>
-                        <xsl:when test="not($goesOn) and ($before or position() &gt; 1)">
-                            <xsl:value-of select="'&#13;'"/>
-                        </xsl:when>
-                        <xsl:when test="$goesOn and . = ''">
-                            <xsl:value-of select="'&#10;'"/>
-                        </xsl:when>
-                    </xsl:choose>
-                    <xsl:value-of select="."/>
-                </xsl:for-each>
-            </xsl:otherwise>
-        </xsl:choose>
-    </xsl:template>
+    <xsl:include href="parts/entries.xslt"/>
+    <xsl:include href="parts/escape.xslt"/>
+    <xsl:include href="parts/groups.xslt"/>
+    <xsl:include href="parts/values.xslt"/>
 </xsl:stylesheet>

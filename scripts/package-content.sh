@@ -6,7 +6,7 @@ check_package_content() (
     cd "$1"
     local docs=(docs/{installing,settings,style-sheets,document,troubleshooting}.html docs/pages.css
         docs/settings-panel.png docs/AudioMetadata.xsd)
-    diff <({ git -C "$root" ls-files XSLT && printf '%s\n' {README,CHANGELOG}.txt WriteMetadataFile.dll "${docs[@]}"; } |
+    diff <({ git -C "$root" ls-files XSLT ':!XSLT/parts' && printf '%s\n' {README,CHANGELOG}.txt WriteMetadataFile.dll "${docs[@]}"; } |
         sort) <(find . -type f -printf '%P\n' | sort) || fail "the package lacks files (<) or holds others (>)"
 
     local library readme changelog

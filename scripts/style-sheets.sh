@@ -4,7 +4,8 @@
 # BUILD is the build's folder; all paths are absolute. The stand-in's lines go to standard output.
 transform() {
     local row extension sheet build=$1 settings
-    for row in Html:.html Text:.txt Json:.json Csv:.csv CsvLong:.facts.csv VorbisComments:.vc FFMetadata:.ffmeta; do
+    for row in Html:.html Text:.txt Json:.json Csv:.csv CsvLong:.facts.csv Songs:.song.csv Changes:.changes.csv \
+        VorbisComments:.vc FFMetadata:.ffmeta Markdown:.md; do
         extension=${row#*:}
         sheet=$(windows_path "$build/dist/XSLT/${row%:*}.xslt")
         settings="-xsltfile=\"$sheet\" -ext=\"$extension\""

@@ -2,8 +2,12 @@
 # Draws WriteMetadataFile.ico: a page of text with a music note, as one PNG image of 48 x 48 pixels. Lines are
 # two pixels wide and begin at even pixels, so that they stay sharp at half that size. The page stands at the left
 # edge: in the settings panel the icon's right edge is the panel's, or lies beyond it.
-# Needs ImageMagick.
+# Needs ImageMagick. Takes no arguments.
 set -eu
+if [ $# -gt 0 ]; then
+    sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"
+    [ "$1" = --help ] && exit 0 || exit 2
+fi
 cd "$(dirname "$0")"
 png=$(mktemp)
 trap 'rm -f "$png"' EXIT

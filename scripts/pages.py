@@ -107,6 +107,11 @@ def check(paths):
 
 def main(arguments):
     paths = [Path(argument) for argument in arguments[1:]]
+    pages = paths[1:] if arguments[:1] == ["make"] else paths
+    missing = [page for page in pages if not page.is_file()]
+    if arguments[:1] in (["make"], ["check"]) and missing:
+        print(f"there is no file {missing[0]}", file=sys.stderr)
+        return 2
     if arguments[:1] == ["make"] and paths[1:]:
         make(paths[0], paths[1:])
     elif arguments[:1] == ["check"] and paths:

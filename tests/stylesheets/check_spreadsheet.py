@@ -34,6 +34,9 @@ def exported(work):
 
 
 def main():
+    if len(sys.argv) != 2 or sys.argv[1].startswith("-"):
+        print(__doc__.strip())
+        return 0 if sys.argv[1:] == ["--help"] else 2
     work, results = Path(sys.argv[1]).resolve(), Results()
     work.mkdir(parents=True, exist_ok=True)
     os.environ["HOME"] = str(work)  # the program keeps its settings there

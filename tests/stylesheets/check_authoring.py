@@ -15,11 +15,11 @@ from results import ROOT, Results, page_example, run
 PAGE = "style-sheets.md"
 # Shows a parameter and the number of documents that document() finds, with a style sheet from a folder beside it.
 TRAPS = """<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
-    <xsl:import href="parts/table.xslt"/>
+    <xsl:import href="parts/values.xslt"/>
     <xsl:param name="style" select="'own'"/>
     <xsl:template match="/">
         <xsl:message>nowhere</xsl:message>
-        <xsl:value-of select="concat($style, ' ', count(document('table.xslt')/*), ' ', count(document('')/*))"/>
+        <xsl:value-of select="concat($style, ' ', count(document('Markdown.xslt')/*), ' ', count(document('')/*))"/>
     </xsl:template>
 </xsl:stylesheet>
 """
@@ -53,10 +53,10 @@ def check_example(results, folder):
     indented = "".join(f"\t\t{line}\n" for line in tags.splitlines())
     document = head + indented + "\t</ConvertedFile>\n</AudioMetadata>\n"
     (folder / "song.xml").write_bytes(with_line_ends(document, "\r\n"))
-    (folder / "table.xslt").write_text(page_example(PAGE, "| tag | value |&#10;"), "utf-8")
+    shutil.copytree(ROOT / "XSLT", folder, dirs_exist_ok=True)
     want = page_example(PAGE, "| TITLE | Front")
 
-    made = run("xsltproc", "table.xslt", "song.xml", cwd=folder)
+    made = run("xsltproc", "Markdown.xslt", "song.xml", cwd=folder)
     results.equal("example by xsltproc", (made.stdout.decode(), made.stderr), (want, b""))
     table = run("cmark-gfm", "--extension", "table", stdin=want.encode()).stdout.decode()
     results.equal("example is a table", re.findall("<td>(.*?)</td>", table)[-2:], ["DISC/NO", "1/2"])
@@ -68,14 +68,11 @@ def check_example(results, folder):
 
 def check_script(results, folder):
     for sheet in sorted((ROOT / "XSLT").glob("*.xslt")):
-        shutil.copy(sheet, folder)
         _, status = script(folder, "song.xml", sheet.name, "out.txt")
         want = run("xsltproc", sheet.name, "song.xml", cwd=folder).stdout.decode()
         got = utf16(folder / "out.txt")
         results.equal(f"{sheet.name} by the script", (status, same_page(got)), (0, same_page(want)))
 
-    (folder / "parts").mkdir(exist_ok=True)
-    shutil.copy(folder / "table.xslt", folder / "parts")
     (folder / "traps.xslt").write_text(TRAPS)
     script(folder, "song.xml", "traps.xslt", "out.txt")
     results.equal("traps", utf16(folder / "out.txt"), "own 0 1")
@@ -88,21 +85,21 @@ def check_script(results, folder):
     before = contents(folder)
     usage = "Expected: DOCUMENT STYLESHEET OUTPUT"
     for label, arguments, wants in (
-            ("a broken document", ("broken.xml", "table.xslt", "none.txt"), [r"\broken.xml: "]),
-            ("a foreign document", ("other.xml", "table.xslt", "none.txt"), [r"\other.xml: expected a document"]),
+            ("a broken document", ("broken.xml", "Markdown.xslt", "none.txt"), [r"\broken.xml: "]),
+            ("a foreign document", ("other.xml", "Markdown.xslt", "none.txt"), [r"\other.xml: expected a document"]),
             ("a name from HTML", ("song.xml", "entity.xslt", "none.txt"), [r"\entity.xslt: "]),
             ("a missing style sheet", ("song.xml", "no.xslt", "none.txt"), [r"\no.xslt: there is no such", usage]),
-            ("a missing document", ("no.xml", "table.xslt", "none.txt"), [r"\no.xml: there is no such", usage]),
+            ("a missing document", ("no.xml", "Markdown.xslt", "none.txt"), [r"\no.xml: there is no such", usage]),
             ("a document for a style sheet", ("song.xml", "song.xml", "none.txt"), ["expected a style sheet", usage]),
-            ("two arguments", ("song.xml", "table.xslt"), [usage]),
+            ("two arguments", ("song.xml", "Markdown.xslt"), [usage]),
             ("an empty result", ("song.xml", "empty.xslt", "none.txt"), [r"\song.xml: the result is empty"]),
-            ("the document's place", ("song.xml", "table.xslt", "SONG.xml"), ["would replace"]),
-            ("the style sheet's place", ("song.xml", "table.xslt", "table.xslt"), ["would replace"]),
-            ("a recording's place", ("song.xml", "table.xslt", "none.FLAC"), ["would replace"]),
-            ("documents' places", (".", "table.xslt", ".xml"), ["expected an extension", usage]),
-            ("recordings' places", (".", "table.xslt", ".flac"), ["song.flac: this would replace", "0 written"]),
-            ("a folder and a file", (".", "table.xslt", "none.txt"), ["expected an extension", usage]),
-            ("a folder without documents", ("none", "table.xslt", ".txt"), ["0 written, 0 failed"])):
+            ("the document's place", ("song.xml", "Markdown.xslt", "SONG.xml"), ["would replace"]),
+            ("the style sheet's place", ("song.xml", "Markdown.xslt", "Markdown.xslt"), ["would replace"]),
+            ("a recording's place", ("song.xml", "Markdown.xslt", "none.FLAC"), ["would replace"]),
+            ("documents' places", (".", "Markdown.xslt", ".xml"), ["expected an extension", usage]),
+            ("recordings' places", (".", "Markdown.xslt", ".flac"), ["song.flac: this would replace", "0 written"]),
+            ("a folder and a file", (".", "Markdown.xslt", "none.txt"), ["expected an extension", usage]),
+            ("a folder without documents", ("none", "Markdown.xslt", ".txt"), ["0 written, 0 failed"])):
         printed, status = script(folder, *arguments)
         missing = [want for want in wants if want not in printed]
         results.equal(f"the script and {label}", (status, missing, contents(folder) == before), (1, [], True))

@@ -1,22 +1,18 @@
 """Sample documents: the .xml files of this folder, and others made of them."""
 import re
-import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 from xml.sax import saxutils
 
-SCHEMA = Path(__file__).resolve().parents[2] / "docs" / "AudioMetadata.xsd"
-
-
-def schema_elements(record):
-    """Of one of the schema's records: the names of its elements, in order, and their types."""
-    xs = "{http://www.w3.org/2001/XMLSchema}"
-    elements = ElementTree.parse(SCHEMA).findall(f"{xs}complexType[@name='{record}']/{xs}sequence/{xs}element")
-    return {element.get("name"): element.get("type") for element in elements}
-
-
-FORMAT = tuple(schema_elements("AudioFormat"))
-FACTS = tuple(name for name in schema_elements("File") if name.startswith("File"))
-NUMBERS = tuple(name for name, kind in schema_elements("File").items() if "igned" in kind)
+LYRICS = "".join(f'{i}: "so" weit = so gut; #{i} \\ \U0001d11e\n' for i in range(3000)) + "\u6b4c"
+LONG = [("LYRICS", LYRICS), ("WINDOWS", "text\r\n\r\n" * 5000 + "\r\n" * 5000), ("QUOTES", '"' * 100000),
+        ("BREAKS", "\n" * 20000 + "end"), ("HALVED", "a\r" + "x" * 2000 + "end"),
+        ("THE LAST LARGE VALUE", "x" * 100000 + ';"'), *(("MANY", f"value {i}") for i in range(2000)),
+        *((f"Tag {i}", f"value {i}") for i in range(500)), *((f"TURN {i % 3}", f"value {i}") for i in range(3000))]
+# Names of several formats for the same; a value that ends in a line break; names as wide as Text.xslt's column.
+NAMES = [("TIT2", "Song"), ("tracknumber", "3/12"), ("ALBUM ARTIST", 'Various, "all"'),
+         ("AlbumArtist", "Ann"), ("Album_Artist", "Cy"), ("DISC/NO", "1"), ("discnumber", "2"), ("YEAR", "1999"),
+         ("COMMENT", "ripped with care\r\n"), ("EMPTY IN THE MIDDLE", "one\r\rthree\r\n\r\n"),
+         *(("N" * width, "x") for width in (36, 37, 38))]
 
 
 def entry_line(name, value):
@@ -36,11 +32,6 @@ def samples():
     speech, nasty, lines = (Path(__file__).with_name(f"{name}.xml").read_text("utf-8")
                             for name in ("speech", "nasty", "lines"))
     bare = re.sub(r"(?s)(<(AudioProperties|IDTags)>\n).*?(\t*</\2>)", r"\1\3", speech)
-    lyrics = "".join(f'{i}: "so" weit = so gut; #{i} \\ \U0001d11e\n' for i in range(3000)) + "\u6b4c"
-    windows = "text\r\n\r\n" * 5000 + "\r\n" * 5000
-    tags = [("LYRICS", lyrics), ("WINDOWS", windows), ("QUOTES", '"' * 100000),
-            ("BREAKS", "\n" * 20000 + "end"), ("THE LAST LARGE VALUE", "x" * 100000 + ';"'),
-            *(("MANY", f"value {i}") for i in range(2000)), *((f"Tag {i}", f"value {i}") for i in range(500))]
     nosource = re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7)
     head, tail = bare.rsplit("\t\t</IDTags>", 1)
 
@@ -55,5 +46,7 @@ def samples():
             "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
                                        FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
             "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
-            "long": "".join([head, *(entry_line(*tag) for tag in tags), "\t\t</IDTags>", tail]),
+            "long": "".join([head, *(entry_line(*tag) for tag in LONG), "\t\t</IDTags>", tail]),
+            "names": with_numbers("".join([head, *(entry_line(*tag) for tag in NAMES), "\t\t</IDTags>", tail]),
+                                  FileSize=(999999999999999, 9007199254740993)).replace(">.flac<", ">.<"),
             "lines": lines}

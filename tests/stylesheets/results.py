@@ -1,6 +1,7 @@
 """What the checks of this folder share: counting results, running programs, taking examples out of the pages."""
 import os
 import re
+import shutil
 import subprocess
 from pathlib import Path
 
@@ -23,8 +24,16 @@ def run(*command, stdin=b"", cwd=None):
     return subprocess.run([str(part) for part in command], input=stdin, capture_output=True, timeout=120, cwd=cwd)
 
 
-def page_example(page, holding):
+def folders_of(folder):
+    """Makes a folder anew with another in it, which it gives back."""
+    shutil.rmtree(folder, ignore_errors=True)
+    below = folder / "a folder below"
+    below.mkdir(parents=True)
+    return below
+
+
+def page_example(page, holding, language="[a-z]*"):
     """The one code block of docs/`page` that holds this text."""
-    blocks = re.findall(r"(?ms)^```[a-z]*\n(.*?)^```$", (ROOT / "docs" / page).read_text("utf-8"))
+    blocks = re.findall(rf"(?ms)^```{language}\n(.*?)^```$", (ROOT / "docs" / page).read_text("utf-8"))
     block, = [block for block in blocks if holding in block]
     return block

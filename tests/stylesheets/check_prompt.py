@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Checks that the page's commands for a folder do the same in the command prompt of Windows as in bash.
+"""Checks that the page's commands do the same in the command prompt of Windows as in bash.
 
 check_prompt.py WORK PRODUCED   runs both in copies of a folder with the files in PRODUCED that the plug-in made, and
-                                an empty .vc and .ffmeta; ends with "N passed, N failed"; needs Wine with its prefix
+                                an empty .vc; ends with "N passed, N failed"; needs Wine with its prefix
 
 The programs that the prompt starts are those of Linux, by scripts that turn Windows' paths into theirs.
 """
@@ -14,9 +14,13 @@ import sys
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
+from check_sheets import shown
 from results import Results, folders_of, page_example, run
 
-EXAMPLES = {"%~zf": "metaflac", "ffmpeg -nostdin": "ffmpeg", "select(": "jq", ".facts.csv": "", "songs.csv": ""}
+# What the page's examples for the prompt and for bash hold, or how the one that is for both begins.
+EXAMPLES = [("metaflac", "(song.vc)", "[ -s song.vc ]"), ("metaflac", "(*.vc)", "**/*.vc"), ("ffmpeg", "ffmpeg", None),
+            ("ffmpeg", "(*.ffmeta)", "**/*.ffmeta"), ("jq", "jq", None), ("jq", "(*.json)", "exec jq"),
+            (None, ".facts.csv", ".facts.csv"), (None, "songs.csv", "songs.csv")]
 PROGRAM = """#!/usr/bin/env bash
 for argument; do
     [[ $argument != *Z:* ]] || { argument=${argument/Z:/}; argument=${argument//\\\\//}; }
@@ -45,9 +49,9 @@ def prepare(folder, produced):
     for path in produced.iterdir():
         if path.name.startswith(("awkward.", "bare.")):
             shutil.copy(path, folder if path.name.startswith("bare.") else below)
-    shutil.copy(produced / "awkward.flac", folder / "empty one.flac")
-    for ext in (".vc", ".ffmeta"):
-        (folder / f"empty one{ext}").write_bytes(b"")
+    for ext in (".flac", ".json", ".ffmeta"):
+        shutil.copy(produced / f"awkward{ext}", folder / f"song{ext}")
+    (folder / "song.vc").write_bytes(b"")
     long = [line for line in (below / "awkward.vc").read_bytes().splitlines(True) if len(line) < 65535]
     (below / "awkward.vc").write_bytes(b"".join(long))
     other_rate = (below / "awkward.json").read_bytes().replace(b"44100", b"48000")
@@ -66,25 +70,25 @@ def main():
     results = Results()
     programs = folders_of(work / "programs").parent
     os.environ["WINEPATH"] = f"Z:{programs}".replace("/", "\\")
-    for holding, name in EXAMPLES.items():
+    for name, *examples in EXAMPLES:
         if name:
             (programs / f"{name}.exe").write_text(PROGRAM.replace("PROGRAM", shutil.which(name)))
             (programs / f"{name}.exe").chmod(0o755)
         seen = {}
-        for language in ("bat", "sh"):
+        for language, holding in zip(("bat", "sh"), examples):
             folder = work / language
             prepare(folder, produced)
             before = outcome(folder, "")
-            other = {"bat": holding, "sh": holding.replace("%~zf", "[ -s").replace("select(", "exec jq")}[language]
-            commands = page_example("style-sheets.md", other, language)
-            printed = in_prompt(commands, folder) if language == "bat" else run("bash", "-c", commands, cwd=folder).stdout.decode()
+            commands = page_example("style-sheets.md", holding, language) if examples[1] else shown(examples[0])
+            printed = (in_prompt(commands, folder) if language == "bat" else
+                       run("bash", "-c", commands, cwd=folder).stdout.decode())
             seen[language] = outcome(folder, printed)
-            results.equal(f"{name or holding} in {language} does something", seen[language] != before, True)
-        results.equal(f"{name or holding} in both", seen["bat"], seen["sh"])
+            results.equal(f"{examples[0]} in {language} does something", seen[language] != before, True)
+        results.equal(f"{examples[0]} in both", seen["bat"], seen["sh"])
         if name == "metaflac":
             files, printed = seen["bat"]
-            results.equal("an empty .vc is skipped", (printed, b"TITLE=" in files["empty one.flac"][0]),
-                          (["skipped, empty: bare.vc", "skipped, empty: empty one.vc"], True))
+            results.equal("an empty .vc is skipped", (printed[-1], b"TITLE=" in files["song.flac"][0]),
+                          ("skipped, empty: song.vc", True))
     print(f"{results.passed} passed, {results.failed} failed")
     return 1 if results.failed else 0
 

@@ -13,7 +13,7 @@
         <xsl:variable name="count" select="count($entries)"/>
         <xsl:variable name="half" select="floor($count div 2)"/>
         <xsl:variable name="left" select="$entries[position() &lt;= $half]"/>
-        <xsl:variable name="names" select="$left[4 * $count * $count &lt;= $total]/@name"/>
+        <xsl:variable name="names" select="$left[$count * $count &lt;= $total]/@name"/>
         <xsl:choose>
             <xsl:when test="$left">
                 <xsl:call-template name="groups">

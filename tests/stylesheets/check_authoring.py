@@ -15,7 +15,7 @@ from results import ROOT, Results, page_example, run
 PAGE = "style-sheets.md"
 # Shows a parameter and the number of documents that document() finds, with a style sheet from a folder beside it.
 TRAPS = """<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
-    <xsl:import href="parts/values.xslt"/>
+    <xsl:import href="parts/Markdown.xslt"/>
     <xsl:param name="style" select="'own'"/>
     <xsl:template match="/">
         <xsl:message>nowhere</xsl:message>
@@ -73,6 +73,7 @@ def check_script(results, folder):
         got = utf16(folder / "out.txt")
         results.equal(f"{sheet.name} by the script", (status, same_page(got)), (0, same_page(want)))
 
+    shutil.copy(folder / "Markdown.xslt", folder / "parts")
     (folder / "traps.xslt").write_text(TRAPS)
     script(folder, "song.xml", "traps.xslt", "out.txt")
     results.equal("traps", utf16(folder / "out.txt"), "own 0 1")

@@ -16,9 +16,10 @@ with wave.open("tone.wav", "wb") as tone:
     tone.writeframes(bytes(44100))'
 printf 'line %d\r\n\r\n' {1..5000} >windows.txt
 flac --silent --output-name awkward.flac tone.wav \
-    --tag 'TITLE=Größe 😀 "quoted" \back & <tag>; #1 = 🎵' --tag 'ARTIST=Zoë, Ång' --tag 'ARTIST=مساء' --tag 'ARTIST=C; D' \
-    --tag $'COMMENT=first line\nsecond\tline' --tag 'EMPTY=' --tag 'PATH=C:\music\' --tag 'with space=x' --tag TRACKNUMBER=3 \
-    --tag 'ALBUMARTIST=Zoë' --tag $'ENDS=ripped with care\r\n' --picture "$root/tests/data/cover.png" \
+    --tag 'TITLE=Größe 😀 "quoted" \back & <tag>; #1 = 🎵' --tag 'ARTIST=Zoë, Ång' --tag 'ARTIST=مساء' \
+    --tag 'ARTIST=C; D' --tag $'COMMENT=first line\nsecond\tline' --tag 'EMPTY=' --tag 'PATH=C:\music\' \
+    --tag 'with space=x' --tag TRACKNUMBER=3 --tag 'ALBUMARTIST=Zoë' --tag $'ENDS=ripped with care\r\n' \
+    --picture "$root/tests/data/cover.png" \
     --tag $'LYRICS=line1\r\nline2\r\n\r\nline4\r\n' --tag-from-file LONG=windows.txt
 flac --silent --output-name bare.flac tone.wav
 

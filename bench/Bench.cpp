@@ -86,7 +86,7 @@ protected:
         m_info.sourceAudioPropertiesSize = 0;
     }
 
-    void Convert(const std::wstring& settings = L"") {
+    void RunConversion(const std::wstring& settings = L"") {
         CALL_PLUGIN(DSP_BeginConversion, m_instance, nullptr, settings.c_str(), nullptr);
         CALL_PLUGIN(DSP_EndConversion, m_instance);
         CALL_PLUGIN(DSP_AfterConversion, m_instance, &m_info);
@@ -94,7 +94,7 @@ protected:
 
     /// The plug-in's document of the conversion that is set.
     std::string Document() {
-        Convert();
+        RunConversion();
         return ReadBytes(document);
     }
 
@@ -103,7 +103,7 @@ protected:
     void MeasureDocument(const std::string& name, double limit, double peerGoal) {
         const std::string expected = Document();
         const DocumentParts parts(tags, expected);
-        std::vector<Rounds::Job> jobs = {[&] { Convert(); }};
+        std::vector<Rounds::Job> jobs = {[&] { RunConversion(); }};
         for (const auto write : {WriteInSinglePass, WriteWithRapidXml}) {
             jobs.push_back([&, write] { m_bare.Run([&](HANDLE file) { write(file, parts); }); });
             jobs.back()();
@@ -117,14 +117,14 @@ protected:
     /// The best time beyond that of the bare calls, in milliseconds.
     double TimeOfText(std::vector<uint8_t> packedTags) {
         SetTags(std::move(packedTags));
-        const Rounds rounds({[&] { Convert(); }, [&] { m_bare.Run([](HANDLE) {}); }}, kSecondsPerCase);
+        const Rounds rounds({[&] { RunConversion(); }, [&] { m_bare.Run([](HANDLE) {}); }}, kSecondsPerCase);
         return rounds.Fastest(0) - rounds.Fastest(1);
     }
 
     /// How far one conversion of 100,000 tags raises the most memory that the process ever used.
     void MeasureMemory(const std::string& what, const std::wstring& settings, double goal) {
         SetTags(ManyTags(1));
-        Convert(settings);
+        RunConversion(settings);
         SetTags(ManyTags(100'000));
         const auto use = [] {
             PROCESS_MEMORY_COUNTERS counters = {};
@@ -137,7 +137,7 @@ protected:
             filling.emplace_back(100'000, 'x');
         }
         const size_t before = use().WorkingSetSize;
-        Convert(settings);
+        RunConversion(settings);
         const double most = static_cast<double>(use().PeakWorkingSetSize - before);
         plugin.Convert(L"", m_info);
         PrintNumber(what, "size of the document", most / static_cast<double>(ReadBytes(document).size()),
@@ -164,7 +164,7 @@ TEST_F(Calls, AreTheSameOnBothSides) {
             for (int round = 0; round < 2; ++round) { // the first fills the registry cache
                 stubs[side].CountAnew();
                 decoderCalls = 0;
-                side == 0 ? Convert() : m_bare.Run([](HANDLE) {});
+                side == 0 ? RunConversion() : m_bare.Run([](HANDLE) {});
             }
             for (const char* name :
                  {"WaitForSingleObject", "ReleaseMutex",   "FindFirstFileW",       "FindNextFileW",
@@ -197,7 +197,7 @@ TEST_F(Bench, TypicalConversion) {
             Write(file, bytes);
         }
     };
-    const Rounds rounds({[&] { Convert(); }, [&] { m_bare.Run(writeLines); },
+    const Rounds rounds({[&] { RunConversion(); }, [&] { m_bare.Run(writeLines); },
                          [&] { m_bare.Run([&](HANDLE file) { Write(file, ready); }); }},
                         kSecondsPerCase);
     PrintRow("typical conversion", "bare calls, ready text in " + std::to_string(writes.size()) + " writes",
@@ -271,7 +271,7 @@ TEST_F(Transformations, OfEverySheet) {
         std::printf("| %s |", sheet.filename().string().c_str());
         for (const size_t count : {100u, 10'000u}) {
             SetTags(ManyTags(count));
-            const Rounds rounds({[&] { Convert(SettingsFor(sheet)); }}, 0);
+            const Rounds rounds({[&] { RunConversion(SettingsFor(sheet)); }}, 0);
             std::printf(" %.3g |", rounds.Milliseconds(0));
         }
         std::printf("\n");

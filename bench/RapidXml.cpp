@@ -22,7 +22,7 @@ std::string_view Utf8(rapidxml::xml_document<char>& tree, const std::wstring& te
 }
 
 char* Put(std::string_view bytes, char* out) {
-    return std::copy(bytes.begin(), bytes.end(), out);
+    return out + bytes.copy(out, bytes.size());
 }
 
 } // namespace

@@ -76,8 +76,9 @@ public:
     Bstr() noexcept = default;
 
     /// `size` code units whose content the caller fills in. Throws std::bad_alloc.
-    explicit Bstr(size_t size) {
-        if (size > UINT_MAX || (m_text = SysAllocStringLen(nullptr, static_cast<UINT>(size))) == nullptr) {
+    explicit Bstr(size_t size)
+        : m_text(size > UINT_MAX ? nullptr : SysAllocStringLen(nullptr, static_cast<UINT>(size))) {
+        if (m_text == nullptr) {
             throw std::bad_alloc();
         }
     }

@@ -23,7 +23,7 @@ two files comes from the decoder libraries in the folder "decoder" beside this p
   --help           show this text
 
 With --panel it shows the plug-in's settings panel in a window and converts nothing. OK prints the settings text
-that comes back; Cancel prints nothing and ends with exit status 1.
+that comes back; Cancel prints none and ends with exit status 1.
 
 Exit status: 0 when a document was written, 1 when something failed, the document is empty or the plug-in reported
 an error, 2 when the arguments are wrong.)";
@@ -32,9 +32,11 @@ namespace {
 
 using OwnedArguments = Owner<wchar_t**, LocalFree>;
 
+using TextMember = XString Options::*;
+
 constexpr struct {
     const wchar_t* name;
-    XString Options::*value;
+    TextMember value;
 } kTextOptions[] = {
     {L"--plugin", &Options::plugin},
     {L"--settings", &Options::settings},
@@ -66,7 +68,7 @@ XString ParseCommandLine(Options& options) {
     size_t fileCount = 0;
     for (int i = 1; arguments.IsValid() && i < count; ++i) {
         const XString argument(arguments.Get()[i]);
-        XString Options::*textValue = nullptr;
+        TextMember textValue = nullptr;
         for (const auto& option : kTextOptions) {
             textValue = IsEqual(argument, option.name) ? option.value : textValue;
         }

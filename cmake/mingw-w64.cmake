@@ -1,13 +1,18 @@
-# 64-bit Windows with the posix-threads GCC of Debian's mingw-w64; programs run under Wine.
+# 64-bit Windows with the posix-threads GCC of Debian's mingw-w64; programs run under Wine. TOOL_PREFIX, when
+# it is set, chooses another of its compilers.
+if(NOT DEFINED TOOL_PREFIX)
+    set(TOOL_PREFIX x86_64-w64-mingw32)
+    set(TOOL_SUFFIX -posix)
+endif()
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
-set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+set(CMAKE_C_COMPILER ${TOOL_PREFIX}-gcc${TOOL_SUFFIX})
+set(CMAKE_CXX_COMPILER ${TOOL_PREFIX}-g++${TOOL_SUFFIX})
+set(CMAKE_RC_COMPILER ${TOOL_PREFIX}-windres)
 set(CMAKE_RC_FLAGS_INIT "-c 65001") # resource sources are UTF-8
 
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+set(CMAKE_FIND_ROOT_PATH /usr/${TOOL_PREFIX})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

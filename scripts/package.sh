@@ -6,7 +6,6 @@
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 no_arguments "$@"
-source "$root/scripts/package-content.sh"
 
 install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git googletest wine wine64 \
     zip unzip flac alsa-utils libxml2-utils cmark-gfm python3
@@ -44,8 +43,23 @@ user=$work/user
 unzip -q "$zip" -d "$user"
 cd "$user"
 
+docs=(docs/{installing,settings,style-sheets,document,troubleshooting}.html docs/pages.css docs/settings-panel.png
+    docs/AudioMetadata.xsd)
+diff <({ git -C "$root" ls-files XSLT ':!XSLT/parts' &&
+    printf '%s\n' {README,CHANGELOG}.txt WriteMetadataFile.dll "${docs[@]}"; } |
+    sort) <(find . -type f -printf '%P\n' | sort) || fail "the package lacks files (<) or holds others (>)"
+
 version=${zip##*/WriteMetadataFile-}
-check_package_content . "${version%-win64.zip}"
+version=${version%-win64.zip}
+library=$(x86_64-w64-mingw32-strings -el WriteMetadataFile.dll | grep -A1 -x FileVersion | tail -n 1)
+readme=$(head -n 1 README.txt | tr -d '\r')
+changelog=$(sed -nE 's/^## \[([0-9.]+)\] - [0-9]{4}-[0-9]{2}-[0-9]{2}\r$/\1/p' CHANGELOG.txt | head -n 1)
+[[ $library == "$version" ]] || fail "the package is version $version, the library $library"
+[[ $readme == "WriteMetadataFile $version" ]] || fail "the package is version $version, README.txt begins with $readme"
+[[ $changelog == "$version" ]] ||
+    fail "the package is version $version, the newest with a date in the changelog is $changelog"
+
+"$root/scripts/pages.py" check docs/*.html
 
 build mingw-release dsphost wav flac
 start_wine wine

@@ -5,10 +5,7 @@
 #
 #   run-under-wine.sh PROGRAM [ARGUMENT…]
 
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
+folder=$(mktemp -d) || exit
+# Also when a time limit ends the program.
+trap 'cat "$folder/out"; cat "$folder/error" >&2; rm -rf "$folder"' EXIT
 wine "$@" >"$folder/out" 2>"$folder/error"
-status=$?
-cat "$folder/out"
-cat "$folder/error" >&2
-exit $status

@@ -1,6 +1,6 @@
 # Functions that the scripts of this folder share; to be sourced. Any script answers --help with its head comment.
 
-set -euo pipefail
+set -eEuo pipefail # E: the trap below also hears of what fails in a function
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -42,7 +42,8 @@ run_exit_commands() {
     done
 }
 trap run_exit_commands EXIT
-trap 'printf "%s: line %d failed: %s\n" "${0##*/}" "$LINENO" "$BASH_COMMAND" >&2' ERR
+trap 'printf "%s: %s, line %d, ended with status %d: %s\n" "${0##*/}" "${BASH_SOURCE[0]##*/}" "$LINENO" "$?" \
+    "$BASH_COMMAND" >&2' ERR
 
 # install_packages PACKAGE…: installs those that are missing; without root fails with the command that installs them.
 install_packages() {
@@ -79,8 +80,9 @@ build() {
 # start_wine FOLDER: makes the Wine prefix in build/FOLDER, once, and keeps a server for it running until the
 # script ends.
 start_wine() {
-    export WINEPREFIX=$root/build/$1 WINEDEBUG=-all
-    at_exit 'wineserver -k; wineserver -w'
+    # Wine ends a program with status 1 when it cannot hand an exception to it; these say so, which "-all" would hide.
+    export WINEPREFIX=$root/build/$1 WINEDEBUG=-all,err+seh,err+virtual
+    at_exit 'wineserver -k || true; wineserver -w'
     if [[ ! -e $WINEPREFIX/prepared ]]; then
         echo "Preparing Wine"
         rm -rf "$WINEPREFIX"
@@ -119,9 +121,13 @@ start_display() {
     export DISPLAY=:$number
 }
 
-# run_wine PROGRAM [ARGUMENT…]
+# run_wine PROGRAM [ARGUMENT…]: reports a failure also where the program says nothing.
 run_wine() {
-    timeout 60 "$root/cmake/run-under-wine.sh" "$@"
+    local status=0
+    timeout 60 "$root/cmake/run-under-wine.sh" "$@" || status=$?
+    ((status == 0)) || printf '%s: status %d%s of %s\n' "${0##*/}" "$status" \
+        "$( ((status == 124)) && echo ', the time limit,')" "$*" >&2
+    return "$status"
 }
 
 # windows_path PATH: an absolute path as programs under Wine see it.

@@ -62,8 +62,8 @@ bool ShowPanel(const PluginInstance& instance, XString& settings) {
     const ShownPanel shown = {instance, settings};
     const INT_PTR answer = DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_HOST), nullptr,
                                            HostProc, reinterpret_cast<LPARAM>(&shown));
-    if (answer != IDOK && answer != IDCANCEL) {
-        PrintError(XString(L"The settings panel cannot be shown"));
+    if (answer != IDOK) {
+        PrintError(XString(answer == IDCANCEL ? L"Cancelled" : L"The settings panel cannot be shown"));
     }
     return answer == IDOK;
 }

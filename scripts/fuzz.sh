@@ -13,7 +13,7 @@ seconds=${1-60}
 (($# < 2)) || wrong_arguments "takes one argument, SECONDS, but was given $#"
 [[ $seconds =~ ^[1-9][0-9]{0,5}$ ]] || wrong_arguments "\"$seconds\" is no number of seconds from 1 to 999999"
 
-install_packages clang libclang-rt-14-dev cmake ninja-build googletest
+install_packages clang libclang-rt-dev cmake ninja-build googletest
 
 build linux-asan
 cd "$root/build/linux-asan/fuzz"

@@ -4,21 +4,26 @@
 #
 #   scripts/test.sh [PRESET] [CTEST-ARGUMENT…]
 #
-# PRESET is mingw-release unless given; mingw-debug adds library assertions and undefined-behaviour traps. CTest's
-# arguments begin with a hyphen and choose tests in both halves, e.g. -R Transform.
+# PRESET is mingw-release unless given; mingw-debug adds library assertions and undefined-behaviour traps, mingw-ucrt
+# takes the newer C runtime, which Debian has from release 13 on. CTest's arguments begin with a hyphen and choose tests
+# in both halves, e.g. -R Transform.
 
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 preset=mingw-release
+compiler=g++-mingw-w64-x86-64-posix
 if [[ $# -gt 0 && $1 != -* ]]; then
     preset=$1
     shift
 fi
-[[ $preset == mingw-release || $preset == mingw-debug ]] ||
-    wrong_arguments "the preset is mingw-release or mingw-debug, not \"$preset\""
+case $preset in
+mingw-release | mingw-debug) ;;
+mingw-ucrt) compiler=g++-mingw-w64-ucrt64 ;;
+*) wrong_arguments "the preset is mingw-release, mingw-debug or mingw-ucrt, not \"$preset\"" ;;
+esac
 
-install_packages g++-mingw-w64-x86-64-posix binutils-mingw-w64 cmake ninja-build git python3 googletest \
-    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc jq sqlite3 cmark-gfm clang libclang-rt-14-dev
+install_packages "$compiler" binutils-mingw-w64 cmake ninja-build git python3 python3-pefile googletest \
+    wine wine64 xvfb xauth flac ffmpeg libxml2-utils xsltproc jq sqlite3 cmark-gfm clang libclang-rt-dev
 
 found=0
 failed=()

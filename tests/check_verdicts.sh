@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# The scripts that check must fail when what they check fails: check_verdicts.sh WORK
+# Copies of them run with stand-ins for the programs that they call, of which one fails each time.
+
+source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
+
+work=$1
+rm -rf "$work"
+mkdir -p "$work"/{bin,ci/scripts,build/{linux-asan/fuzz,mingw-release},tests/fuzz/corpus/target}
+cp -r "$root"/{scripts,cmake} "$work"
+cp -r "$root/.ci" "$root/scripts/common.sh" "$work/ci"
+mv "$work/ci/common.sh" "$work/ci/scripts"
+
+cat >"$work/bin/stand-in" <<'END'
+#!/bin/sh
+case ${0##*/} in
+dpkg-query) echo installed ;;
+git) echo source.cpp ;;
+Xvfb) echo 99 ;;
+esac
+[ "${0##*/}" != "$FAILING" ]
+END
+chmod +x "$work/bin/stand-in"
+for name in dpkg-query git cmake Xvfb wine wineboot wineserver clang-format cppcheck clang-tidy; do
+    ln -s stand-in "$work/bin/$name"
+done
+for name in "$work"/build/linux-asan/fuzz/target "$work"/ci/scripts/{test,check-package,fuzz,check}.sh; do
+    ln -s "$work/bin/stand-in" "$name"
+done
+for preset in linux-asan mingw-release; do
+    echo "add_test(of.$preset sh -c \"test \$FAILING != $preset\")" >"$work/build/$preset/CTestTestfile.cmake"
+done
+
+# fails_with "NAME…" SCRIPT [ARGUMENT…]: the script succeeds, but not when one of these fails.
+fails_with() {
+    local name names=$1 script=$work/$2
+    shift 2
+    for name in nothing $names; do
+        if FAILING=$name PATH=$work/bin:$PATH "$script" "$@" >"$work/log" 2>&1; then
+            [[ $name == nothing ]] || fail "$script succeeds although $name fails"
+        elif [[ $name == nothing ]]; then
+            cat "$work/log" >&2
+            fail "$script fails although nothing else does"
+        fi
+    done
+}
+fails_with 'linux-asan mingw-release cmake wine' scripts/test.sh
+fails_with 'target cmake' scripts/fuzz.sh 1
+fails_with 'cmake clang-format cppcheck clang-tidy' scripts/check.sh
+fails_with 'test.sh check-package.sh fuzz.sh check.sh' ci/.ci/run
+! FAILING=nothing PATH=$work/bin:$PATH "$work/scripts/test.sh" -R none >"$work/log" 2>&1 ||
+    fail "test.sh succeeds without a test"

@@ -22,6 +22,7 @@ install_packages debootstrap git
 mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' 'Label: Debian' | head -n 1)
 new=$(mktemp -d "/var/tmp/$release.XXXXXX")
 at_exit 'rm -rf --one-file-system "$new"'
+chmod 755 "$new" # apt fetches as a user of its own
 
 echo "Making a root of $release in $new"
 unshare --mount debootstrap --variant=minbase --include=ca-certificates,git "$release" "$new" \

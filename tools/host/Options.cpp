@@ -30,7 +30,11 @@ an error, 2 when the arguments are wrong.)";
 
 namespace {
 
-using OwnedArguments = Owner<wchar_t**, LocalFree>;
+void FreeArguments(wchar_t** arguments) noexcept {
+    LocalFree(static_cast<void*>(arguments));
+}
+
+using OwnedArguments = Owner<wchar_t**, FreeArguments>;
 
 using TextMember = XString Options::*;
 

@@ -134,8 +134,7 @@ def check_folders(results, folder):
 
     for page in pages:
         page.unlink()
-    (folder / "XSLT").mkdir()
-    shutil.copy(folder / "Html.xslt", folder / "XSLT")
+    shutil.copytree(ROOT / "XSLT", folder / "XSLT")
     shown_line = shown(PAGE, "find .*xsltproc .*")
     made = run("env", f"HOME={folder}", "bash", "-c", shown_line, cwd=music)
     results.equal("a folder by find names what is broken", b"broken.xml:1: parser error" in made.stderr, True)

@@ -36,15 +36,14 @@ class ComPtr {
 public:
     ComPtr() noexcept = default;
     ComPtr(ComPtr&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
-    ComPtr& operator=(ComPtr&& other) noexcept {
-        if (this != &other) {
-            Reset(std::exchange(other.m_object, nullptr));
-        }
-        return *this;
-    }
+    ComPtr& operator=(ComPtr&&) = delete;
     ComPtr(const ComPtr&) = delete;
     ComPtr& operator=(const ComPtr&) = delete;
-    ~ComPtr() { Reset(nullptr); }
+    ~ComPtr() {
+        if (m_object != nullptr) {
+            m_object->Release();
+        }
+    }
 
     /// The object, still owned here, or null.
     Interface* Get() const noexcept { return m_object; }
@@ -61,12 +60,6 @@ public:
     }
 
 private:
-    void Reset(Interface* object) noexcept {
-        if (Interface* const old = std::exchange(m_object, object); old != nullptr) {
-            old->Release();
-        }
-    }
-
     Interface* m_object = nullptr;
 };
 

@@ -24,6 +24,7 @@ TEST_F(FailingPanel, LeavesNothingBehind) {
             auto* instance = CALL_PLUGIN(DSP_Create, &record);
             const HWND panel = CALL_PLUGIN(DSP_ShowConfigBit, instance, host.Get(), 1, 2, settings.c_str());
             EXPECT_EQ(GetWindow(host.Get(), GW_CHILD), panel);
+            EXPECT_EQ(Account::Held("CoInitialize"), 0) << "while the panel is open";
             UpdateWindow(panel);
             result = panel != nullptr ? "shown" : "not shown";
             read(CALL_PLUGIN(DSP_RemoveConfigBit, instance, -123));
@@ -32,7 +33,6 @@ TEST_F(FailingPanel, LeavesNothingBehind) {
         } catch (const std::bad_alloc&) {
             result = "not created";
         }
-        EXPECT_EQ(GetWindow(host.Get(), GW_CHILD), nullptr);
         return result;
     };
     showAndRemove();

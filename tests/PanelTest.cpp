@@ -311,20 +311,7 @@ TEST_F(Panel, NamesItsFirstField) {
     plugin.Destroy();
     EXPECT_EQ(service.calls, L"Apply XSLT file: cleared;Apply XSLT file: cleared;");
     CoRevokeClassObject(cookie);
-    EXPECT_EQ(CoInitialize(nullptr), S_FALSE) << "the panels left COM once too often";
     CoUninitialize();
-    CoUninitialize();
-}
-
-TEST_F(Panel, LeavesTheThreadsApartmentToTheHost) {
-    for (const DWORD apartment : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED}) {
-        Show();
-        EXPECT_EQ(CoInitializeEx(nullptr, apartment), S_OK) << "COM is not entered while the panel is open";
-        Read(kClose);
-        EXPECT_EQ(CoInitializeEx(nullptr, apartment), S_FALSE) << "and left no more often than entered";
-        CoUninitialize();
-        CoUninitialize();
-    }
 }
 
 /// Sends what the button sends its parent when it is pressed: on Windows, BM_CLICK may fail in a dialog that

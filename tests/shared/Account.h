@@ -21,9 +21,10 @@ public:
     /// By the name of the function that took it; and the bytes of all memory blocks.
     using Balance = std::map<std::string, int64_t>;
 
-    /// From now on stubs are put in the plug-in's place of every import whenever it is loaded, before its
-    /// first instruction runs.
-    static void Keep() {
+    /// From now on stubs are put in the place of every import of that library, the plug-in or one of ours
+    /// beside it, whenever it is loaded, before its first instruction runs.
+    static void Keep(const std::wstring& libraryName = L"WriteMetadataFile.dll") {
+        library = libraryName;
         static const bool isKept = [] {
             void* cookie = nullptr;
             const auto watch = reinterpret_cast<LONG(NTAPI*)(ULONG, decltype(&OnModule), void*, void**)>(
@@ -160,7 +161,10 @@ private:
     static constexpr Function kFunctions[] = {
         {"CreateFileW", "handle", If::Handle, kAnswer},
         {"CreateMutexW", "handle", If::Handle, kAnswer},
+        {"CreateFileMappingW", "handle", If::Handle, kAnswer},
         {"CloseHandle", "handle", If::Gives, 1},
+        {"MapViewOfFile", "view", If::Handle, kAnswer},
+        {"UnmapViewOfFile", "view", If::Gives, 1},
         {"WaitForSingleObject", "lock", If::Zero, 1},
         {"ReleaseMutex", "lock", If::Gives, 1},
         {"AcquireSRWLockExclusive", "lock", If::Any, 1},
@@ -191,10 +195,6 @@ private:
         {"KillTimer", "timer", If::Gives, 2},
         {"SetWindowSubclass", "subclass", If::NotZero, 3},
         {"RemoveWindowSubclass", "subclass", If::Gives, 3},
-        {"SetWindowsHookExW", "hook", If::Handle, kAnswer},
-        {"UnhookWindowsHookEx", "hook", If::Gives, 1},
-        {"RegisterClassExW", "window class", If::NotZero, kOne},
-        {"UnregisterClassW", "window class", If::Gives, kOne},
         {"CoInitialize", "COM entry", If::NotNegative, kThread},
         {"CoUninitialize", "COM entry", If::Gives, kThread},
         {"CoCreateInstance", "reference", If::NotNegative, kTo + 5},
@@ -293,6 +293,9 @@ private:
             (row.takes == If::NotZero && low != 0) || (row.takes == If::Zero && low == 0) ||
             (row.takes == If::NotNegative && low >= 0)) {
             const DWORD error = GetLastError();
+            if (row.name == std::string_view("CreateStreamOnHGlobal") && b == FALSE) {
+                AddFault("a stream that does not free its block");
+            }
             if (const uint64_t taken = key(answer); taken != 0) {
                 Take(row.kind, row.name, taken);
                 if (row.kind == std::string_view("reference")) {
@@ -406,11 +409,11 @@ private:
     };
     static void NTAPI OnModule(ULONG reason, const ModuleData* data, void* /*context*/) {
         constexpr ULONG kLoaded = 1;
-        constexpr std::wstring_view kName = L"WriteMetadataFile.dll";
         if (reason == kLoaded &&
-            std::wstring_view(data->name->Buffer, data->name->Length / sizeof(wchar_t)) == kName) {
+            std::wstring_view(data->name->Buffer, data->name->Length / sizeof(wchar_t)) == library) {
             module = static_cast<HMODULE>(data->base);
             stubs->AddImports(module);
+            stubs->MoveCallers(module);
             for (CallStub& stub : *stubs) {
                 Adopt(stub);
             }
@@ -419,6 +422,7 @@ private:
 
     inline static CallStubs* const stubs = new CallStubs; // replaced pointers lead to them until the end
     inline static CallStub* stubOf[std::size(kFunctions)] = {};
+    inline static std::wstring& library = *new std::wstring;
     inline static HMODULE module = nullptr;
     inline static std::mutex& mutex = *new std::mutex;
     inline static std::vector<Entry>& held = *new std::vector<Entry>;

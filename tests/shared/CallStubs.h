@@ -62,9 +62,16 @@ public:
         });
         CallStub& stub = known != m_stubs.end() ? *known : Make(name);
         Put(stub, place);
-        stub.callers = library;
         stub.callersSize = HeadersOf(library).OptionalHeader.SizeOfImage;
+        MoveCallers(library);
         return stub;
+    }
+
+    /// The library is at another address than when it was loaded before.
+    void MoveCallers(HMODULE library) {
+        for (CallStub& stub : m_stubs) {
+            stub.callers = stub.callersSize != UINT64_MAX ? library : nullptr;
+        }
     }
 
     /// The first stub of that name; one that is never called when there is none.

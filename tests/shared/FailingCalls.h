@@ -79,8 +79,8 @@ protected:
 private:
     /// Called, but without a failure that could matter, such as those that release something.
     inline static const std::string kCannotFail =
-        " AcquireSRWLockExclusive addRef CloseHandle CoUninitialize DeleteObject DestroyIcon DestroyWindow "
-        "EndPaint EnterCriticalSection FindClose free FreeLibrary GlobalUnlock KillTimer "
-        "LeaveCriticalSection memcpy memmove memset RegCloseKey release ReleaseDC ReleaseMutex "
-        "ReleaseSRWLockExclusive ShowWindow strlen SysFreeString TlsGetValue VariantClear ";
+        " addRef CloseHandle CoUninitialize DeleteObject DestroyIcon DestroyWindow EndPaint "
+        "EnterCriticalSection FindClose free FreeLibrary GlobalUnlock KillTimer LeaveCriticalSection "
+        "memcpy memmove memset RegCloseKey release ReleaseDC ReleaseMutex ShowWindow SysFreeString "
+        "VariantClear ";
 };

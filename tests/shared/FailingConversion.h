@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/shared/FailingCalls.h"
+#include "tests/shared/Thread.h"
 
 /// Lets the calls of conversions fail.
 class FailingConversion : public FailingCalls {
@@ -14,7 +15,7 @@ protected:
         const CreateRecord record = {errors.Get(), nullptr, trace.Get()};
         const AfterConversionInfo info = Info();
         std::string result;
-        OnNewThread([&] {
+        Thread([&] {
             SetErrorInfo(0, errorInfo);
             try {
                 auto* instance = CALL_PLUGIN(DSP_Create, &record);
@@ -111,16 +112,6 @@ protected:
     std::string end = "</AudioMetadata>\r\n";
 
 private:
-    template<class Work>
-    static void OnNewThread(Work work) {
-        const LPTHREAD_START_ROUTINE run = [](void* argument) -> DWORD {
-            (*static_cast<Work*>(argument))();
-            return 0;
-        };
-        const OwnedHandle thread(CreateThread(nullptr, 0, run, &work, 0, nullptr));
-        WaitForSingleObject(thread.Get(), INFINITE);
-    }
-
     /// The output file without the bytes that a stream's memory block may have after the end.
     std::string Written() const {
         const std::string bytes = ReadBytes(document);

@@ -293,7 +293,7 @@ private:
             (row.takes == If::NotZero && low != 0) || (row.takes == If::Zero && low == 0) ||
             (row.takes == If::NotNegative && low >= 0)) {
             const DWORD error = GetLastError();
-            if (row.name == std::string_view("CreateStreamOnHGlobal") && b == FALSE) {
+            if (row.name == std::string_view("CreateStreamOnHGlobal") && static_cast<BOOL>(b) == FALSE) {
                 AddFault("a stream that does not free its block");
             }
             if (const uint64_t taken = key(answer); taken != 0) {

@@ -233,8 +233,8 @@ def check_other_formats(results, work):
     results.equal("pictures", re.findall(r"type: (\d) \(Cover", pictures), ["3", "4"])
     (work / "song.ffmeta").write_bytes(b"")
     (work / "tagged.flac").unlink()
-    failed = run_shown("ffmpeg", work).returncode
-    results.equal("an empty .ffmeta", (failed, (work / "tagged.flac").exists()), (1, False))
+    failed = run_shown("ffmpeg", work).returncode != 0
+    results.equal("an empty .ffmeta", (failed, (work / "tagged.flac").exists()), (True, False))
 
 
 def check_folder(results, documents, work):

@@ -32,7 +32,9 @@ def samples():
     speech, nasty, lines = (Path(__file__).with_name(f"{name}.xml").read_text("utf-8")
                             for name in ("speech", "nasty", "lines"))
     bare = re.sub(r"(?s)(<(AudioProperties|IDTags)>\n).*?(\t*</\2>)", r"\1\3", speech)
-    nosource = re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", bare, count=7)
+    source, converted = bare.split("<ConvertedFile>")
+    source = re.sub("(<File(Name|Created|Modified|Accessed).*?>)[^<]+", r"\1", source)
+    nosource = f"{source}<ConvertedFile>{converted}"
     head, tail = bare.rsplit("\t\t</IDTags>", 1)
 
     def with_numbers(document, **numbers):

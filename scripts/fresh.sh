@@ -43,15 +43,15 @@ for name in http_proxy https_proxy no_proxy; do
     [[ -z ${!name-} ]] || environment+=("$name=${!name}")
 done
 
-git clone --quiet --no-hardlinks "$root" "$new/root/project"
-commit=$(git -C "$new/root/project" log -1 --format='%h, %s')
+git clone --quiet --no-hardlinks "$root" "$new/srv/project"
+commit=$(git -C "$new/srv/project" log -1 --format='%h, %s')
 
 # In namespaces of its own for mounts and processes: the kernel unmounts, and ends what COMMAND leaves behind.
 run_in_root() {
     # shellcheck disable=SC2016 # expanded by the inner shell
     env -i "${environment[@]}" unshare --mount --pid --fork --kill-child --propagation private bash -c '
         mount -t proc proc "$1/proc" && mount --rbind /dev "$1/dev" || exit
-        chroot "$1" bash -c "cd /root/project && \"\$@\"" bash "${@:2}"
+        chroot "$1" bash -c "cd /srv/project && \"\$@\"" bash "${@:2}"
         exit $?' bash "$new" "$@" </dev/null
 }
 begin=$SECONDS

@@ -48,14 +48,14 @@ int32_t Open(void* instance, DecoderOpenRecord* record) try {
         record->audioInfo = content.info;
     }
     if ((record->openFlags & kOpenIDTags) != 0) {
-        const std::vector<uint8_t>& list = lists.emplace_back(content.tags.Pack());
-        record->IDTagData = list.data();
-        record->IDTagByteSize = static_cast<int32_t>(list.size());
+        lists.push_back(content.tags.Pack());
+        record->IDTagData = lists.back().data();
+        record->IDTagByteSize = static_cast<int32_t>(lists.back().size());
     }
     if ((record->openFlags & kOpenAudioProperties) != 0) {
-        const std::vector<uint8_t>& list = lists.emplace_back(content.properties.Pack());
-        record->propertyData = list.data();
-        record->propertyByteSize = static_cast<int32_t>(list.size());
+        lists.push_back(content.properties.Pack());
+        record->propertyData = lists.back().data();
+        record->propertyByteSize = static_cast<int32_t>(lists.back().size());
     }
     return 1;
 } catch (const std::exception&) {

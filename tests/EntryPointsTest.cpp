@@ -1,12 +1,12 @@
 #include "tests/shared/PluginHarness.h"
 
-#include <winsock2.h>
-
 namespace {
 
 TEST(EntryPoints, NullInstancesHaveNoEffect) {
     const LoadedPlugin plugin;
     AfterConversionInfo info = {};
+    EXPECT_EQ(CALL_PLUGIN(DSP_ShowConfigBit, nullptr, nullptr, 0, 0, nullptr), nullptr);
+    EXPECT_EQ(CALL_PLUGIN(DSP_RemoveConfigBit, nullptr, 0), nullptr);
     EXPECT_EQ(CALL_PLUGIN(DSP_BeginConversion, nullptr, nullptr, L"", nullptr), 0);
     EXPECT_EQ(CALL_PLUGIN(DSP_EndConversion, nullptr), 0);
     EXPECT_EQ(CALL_PLUGIN(DSP_AfterConversion, nullptr, &info), 0);
@@ -47,18 +47,6 @@ TEST(EntryPoints, AudioIsNotTracedAndNullTextsHaveADefinedResult) {
     EXPECT_EQ(plugin.Trace(), trace);
     plugin.Destroy();
     EXPECT_EQ(plugin.Trace(), L"");
-}
-
-TEST(EntryPoints, LoadingStartsWinsockAndFreeingStopsIt) {
-    EXPECT_EQ(socket(AF_INET, SOCK_DGRAM, 0), INVALID_SOCKET);
-    EXPECT_EQ(WSAGetLastError(), WSANOTINITIALISED);
-    {
-        const LoadedPlugin plugin;
-        const SOCKET opened = socket(AF_INET, SOCK_DGRAM, 0);
-        EXPECT_NE(opened, INVALID_SOCKET);
-        closesocket(opened);
-    }
-    EXPECT_EQ(socket(AF_INET, SOCK_DGRAM, 0), INVALID_SOCKET);
 }
 
 } // namespace

@@ -57,7 +57,7 @@ private:
     template<class... Arguments>
     bool Note(const char* name, Arguments... arguments) {
         calls += name;
-        ((calls += " " + std::to_string(Number(arguments))), ...);
+        ((calls += ' ', calls += std::to_string(Number(arguments))), ...);
         calls += ";";
         return mode == Mode::Handle;
     }

@@ -30,14 +30,6 @@ inline Place PlaceOf(HWND window) {
     return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
 }
 
-/// Dispatches the messages that wait for this thread.
-inline void PumpMessages() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        DispatchMessageW(&message);
-    }
-}
-
 /// Ends a test where windows cannot be made; `window` is the first one that it made.
 #define SKIP_WITHOUT_DISPLAY(window)                                                                         \
     if ((window) == nullptr) {                                                                               \

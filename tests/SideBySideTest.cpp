@@ -1,4 +1,3 @@
-#include "tests/shared/Account.h"
 #include "tests/shared/ConversionFixture.h"
 
 #include <thread>
@@ -18,12 +17,10 @@ void FixtureCalled(const wchar_t*, const wchar_t*) {}
 
 namespace {
 
-class SideBySide : Accounted, public ConversionTest {
-protected:
-    SideBySide() { behaviour = &library; }
-};
+using SideBySide = ConversionTest;
 
 TEST_F(SideBySide, ThreadsConvertAsOneDoes) {
+    behaviour = &library;
     const OwnedFile trace = CreateTestFile(folder + L"shared.log"); // whose lines are written one at a time
     const CreateRecord record = {nullptr, nullptr, trace.Get()};
     const auto convert = [&](int thread, int rounds, std::string& expected) {

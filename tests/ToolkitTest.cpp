@@ -39,6 +39,7 @@ protected:
     bool OnCommand(UINT id, HWND control, UINT notification) override { return Note("Command", id, control, notification); }
     void OnInit() override { Note("Init"); }
     bool OnDestroy() override { return Note("Destroy"); }
+    bool OnEraseBackground(HDC dc) override { return Note("EraseBackground", dc); }
     bool OnMouseWheel(int x, int y, int delta, UINT keys) override { return Note("MouseWheel", x, y, delta, keys); }
     bool OnNotify(NMHDR* header, LRESULT& result) override { result = mode == Mode::Handle ? kNotifyResult : 0; return Note("Notify", header->code); }
     void OnPaint() override { Note("Paint"); }
@@ -85,6 +86,7 @@ const struct Row {
     {WM_COMMAND, MAKEWPARAM(1, 5), 17, "Command 1 0x11 5;"},
     {WM_INITDIALOG, 0, 0, "Init;", Always},
     {WM_DESTROY, 0, 0, "Destroy;"},
+    {WM_ERASEBKGND, 17, 0, "EraseBackground 0x11;", AsAnswered, 1},
     {WM_MOUSEWHEEL, MAKEWPARAM(MK_CONTROL, -120), MAKELPARAM(-3, -4), "MouseWheel -3 -4 -120 8;"},
     {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notifyHeader), "Notify 32;", AsAnswered, kNotifyResult},
     {WM_PAINT, 0, 0, "Paint;", Never},
@@ -96,8 +98,10 @@ const struct Row {
 
 TEST(Dispatch, CallsTheOperationOfEachMessage) {
     Recorder dialog;
+    XWindow bare; // without overrides it handles nothing but the start
     MakeDialog(dialog);
     SKIP_WITHOUT_DISPLAY(dialog.Hwnd());
+    MakeDialog(bare);
     dialog.StartTimer(kTimer, 1000000, 1);
     dialog.StartTimer(kTimer, 1000000, 77); // in place of the first
     for (const Row& row : kRows) {
@@ -117,6 +121,8 @@ TEST(Dispatch, CallsTheOperationOfEachMessage) {
             EXPECT_EQ(GetWindowLongPtrW(dialog.Hwnd(), DWLP_MSGRESULT), isBrush ? -1 : result);
             EXPECT_EQ(dialog.calls.str(), takes ? "" : row.calls);
         }
+        EXPECT_EQ(XWindow::DialogProc(bare.Hwnd(), row.message, row.wParam, row.lParam),
+                  row.handled == Always);
     }
 }
 

@@ -33,8 +33,6 @@ class Loading : Accounted, public testing::Test {
 protected:
     Loading() {
         library.decodes = {L".tst", L".out"};
-        library.idTags = TagBlob().Add(L"Title", L"Song").Bytes();
-        library.properties = TagBlob().Add(L"Codec", L"Test").Bytes();
         WriteTestFile(source, "source");
         WriteTestFile(converted, "converted");
         WriteTestFile(sheet, "<s:stylesheet version='1.0' xmlns:s='http://www.w3.org/1999/XSL/Transform'>"
@@ -73,8 +71,6 @@ protected:
         AfterConversionInfo info = {};
         info.sourceFileName = source.c_str();
         info.destFileName = converted.c_str();
-        info.destIDTags = tags.data();
-        info.destIDTagsSize = static_cast<uint32_t>(tags.size());
         auto* instance = CALL_PLUGIN(DSP_Create, &record);
         Account::Balance first;
         for (const bool isSecond : {false, true}) {
@@ -101,7 +97,6 @@ protected:
     const std::wstring sheet = folder.Path(L"sheet.xsl");
     const std::wstring errorPath = folder.Path(L"errors.log");
     const std::wstring transforming = L"-xsltfile=\"" + sheet + L"\"";
-    const std::vector<uint8_t> tags = TagBlob().Add(L"Artist", L"A").Bytes();
 };
 
 TEST_F(Loading, LeavesNothingBehind) {

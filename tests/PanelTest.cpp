@@ -3,7 +3,6 @@
 #include "tests/shared/CallStubs.h"
 #include "tests/shared/PluginHarness.h"
 #include "tests/shared/TestWindow.h"
-#include "tools/PrivateRegistry.h"
 
 #include <commdlg.h>
 #include <oleacc.h>
@@ -45,7 +44,6 @@ public:
 
     std::wstring Read(int64_t mode) { return CALL_PLUGIN(DSP_RemoveConfigBit, plugin.Instance(), mode); }
 
-    PrivateRegistry registry; // the file dialog remembers in it what was chosen
     OwnedWindow host = MakeTopWindow();
     CallStubs stubs;       // destroyed after the library that calls through them
     PluginInstance plugin; // destroyed before its host window

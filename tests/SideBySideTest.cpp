@@ -21,8 +21,7 @@ using SideBySide = ConversionTest;
 
 TEST_F(SideBySide, ThreadsConvertAsOneDoes) {
     behaviour = &library;
-    const OwnedFile trace = CreateTestFile(folder + L"shared.log"); // whose lines are written one at a time
-    const CreateRecord record = {nullptr, nullptr, trace.Get()};
+    const CreateRecord record = {};
     const auto convert = [&](int thread, int rounds, std::string& expected) {
         const std::wstring name = folder + std::to_wstring(thread);
         const std::wstring output = name + L".OUT";

@@ -149,18 +149,14 @@ TEST(WindowObject, DetachesFromAWindowThatEndsAndDestroysItsOwn) {
     }
 }
 
-TEST(LabelFont, IsTheLargestInWhichEveryLabelFits) {
+TEST(LabelFont, IsTheLargestInWhichLabelsFit) {
     constexpr auto kText = L"A label of some length";
-    constexpr RECT kAmple = {0, 0, 2000, 200};
     constexpr int kMostSteps = 3;
     Recorder dialog;
     MakeDialog(dialog);
     SKIP_WITHOUT_DISPLAY(dialog.Hwnd());
-    HWND labels[2] = {};
-    for (HWND& label : labels) {
-        label = CreateWindowExW(0, L"STATIC", kText, WS_CHILD, 0, 0, kAmple.right, kAmple.bottom,
-                                dialog.Hwnd(), nullptr, nullptr, nullptr);
-    }
+    const HWND label =
+        CreateWindowExW(0, L"STATIC", kText, WS_CHILD, 0, 0, 0, 0, dialog.Hwnd(), nullptr, nullptr, nullptr);
     LOGFONTW shape = {};
     GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog.Hwnd(), WM_GETFONT, 0, 0)), sizeof shape, &shape);
     const LONG height = shape.lfHeight;
@@ -175,19 +171,17 @@ TEST(LabelFont, IsTheLargestInWhichEveryLabelFits) {
     ReleaseDC(nullptr, screen);
     for (const auto side : {&RECT::right, &RECT::bottom}) {
         for (const RECT& text : sizes) {
-            // The first label gets the room that the text needs in this font.
-            RECT room = kAmple;
+            // The label gets the room that the text needs in this font, and ample room to the other side.
+            RECT room = {0, 0, 2000, 200};
             room.*side = text.*side;
-            SetWindowPos(labels[0], nullptr, 0, 0, room.right, room.bottom, 0);
+            SetWindowPos(label, nullptr, 0, 0, room.right, room.bottom, 0);
             const auto step = std::ranges::find(sizes, text.*side, side) - sizes.begin();
             const OwnedFont font = FitLabels(dialog.Hwnd());
             LOGFONTW got = {};
             GetObjectW(font.Get(), sizeof got, &got);
             EXPECT_EQ(got.lfHeight, step == 0 || step > kMostSteps ? 0 : height + step);
-            for (const HWND label : labels) {
-                const auto used = reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0));
-                EXPECT_TRUE(used == font.Get() || !font.IsValid());
-            }
+            const auto used = reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0));
+            EXPECT_TRUE(used == font.Get() || !font.IsValid());
         }
     }
 }

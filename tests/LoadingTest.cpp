@@ -161,38 +161,36 @@ TEST_F(Loading, PanelLeavesNothingBehind) {
 }
 
 TEST_F(Loading, ManyThreadsRunOutOfMemoryAtOnce) {
+    const LoadedPlugin plugin;
     constexpr size_t kThreads = 20; // more than there is spare memory for
-    static std::atomic<size_t> begun;
+    static std::atomic<size_t> begun = 0;
     // None has reported its exception before the last one has begun.
     const auto write = [](HANDLE file, const void* bytes, DWORD size, DWORD* written,
                           OVERLAPPED* at) -> BOOL {
         while (begun < kThreads) {
             Sleep(1);
         }
-        Sleep(5);
+        Sleep(20);
         return WriteFile(file, bytes, size, written, at);
     };
     stubs["WriteFile"].target = reinterpret_cast<void*>(+write);
-    ExpectNothingStays("threads", [this] {
-        const OwnedFile errors = CreateTestFile(errorPath);
-        const CreateRecord record = {errors.Get(), nullptr, nullptr};
-        auto* instance = CALL_PLUGIN(DSP_Create, &record);
-        const auto begin = PluginExport<decltype(DSP_BeginConversion)>("DSP_BeginConversion");
-        begun = 0;
-        Account::Heap::size = Account::Heap::used;
-        {
-            std::deque<Thread> threads;
-            for (size_t i = 0; i < kThreads; ++i) {
-                threads.emplace_back([begin, instance] {
-                    ++begun;
-                    EXPECT_EQ(begin(instance, nullptr, L"-ext=.a", nullptr), 0);
-                });
-            }
+    const OwnedFile errors = CreateTestFile(errorPath);
+    const CreateRecord record = {errors.Get(), nullptr, nullptr};
+    auto* instance = CALL_PLUGIN(DSP_Create, &record);
+    const auto begin = PluginExport<decltype(DSP_BeginConversion)>("DSP_BeginConversion");
+    Account::Heap::size = Account::Heap::used;
+    {
+        std::deque<Thread> threads;
+        for (size_t i = 0; i < kThreads; ++i) {
+            threads.emplace_back([begin, instance] {
+                ++begun;
+                EXPECT_EQ(begin(instance, nullptr, L"-ext=.a", nullptr), 0);
+            });
         }
-        Account::Heap::EndAt(0);
-        CALL_PLUGIN(DSP_Destroy, instance);
-        EXPECT_EQ(Lines(ReadUtf16(errorPath)), std::vector<std::wstring>(kThreads, L"Out of memory"));
-    });
+    }
+    Account::Heap::EndAt(0);
+    CALL_PLUGIN(DSP_Destroy, instance);
+    EXPECT_EQ(Lines(ReadUtf16(errorPath)), std::vector<std::wstring>(kThreads, L"Out of memory"));
 }
 
 /// The fixture decoder has the runtime's parts that all of our libraries have, and exports its guard.

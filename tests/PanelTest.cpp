@@ -29,14 +29,13 @@ std::wstring FieldText(HWND panel, int id) {
     return text;
 }
 
-HMODULE PluginModule() {
-    return GetModuleHandleW(L"WriteMetadataFile.dll");
-}
-
 /// The plug-in as it ships, with a host window.
 class Panel : public testing::Test {
 public:
-    void SetUp() override { SKIP_WITHOUT_DISPLAY(host.Get()); }
+    void SetUp() override {
+        SKIP_WITHOUT_DISPLAY(host.Get());
+        stubs.AddImports(library);
+    }
 
     HWND Show(const wchar_t* settings = L"", int32_t x = 0, int32_t y = 0) {
         return CALL_PLUGIN(DSP_ShowConfigBit, plugin.Instance(), host.Get(), x, y, settings);
@@ -47,6 +46,7 @@ public:
     OwnedWindow host = MakeTopWindow();
     CallStubs stubs;       // destroyed after the library that calls through them
     PluginInstance plugin; // destroyed before its host window
+    const HMODULE library = GetModuleHandleW(L"WriteMetadataFile.dll");
 };
 
 /// A line for a window of the panel: class, id, style, place in dialog units, whether its text is clipped at
@@ -109,7 +109,6 @@ TEST_F(Panel, ShowsItsIconInTheScreensSize) {
         drawn = {icon != nullptr, x, y, width, height, static_cast<int>(flags)};
         return TRUE;
     };
-    stubs.AddImports(PluginModule());
     stubs["GetDeviceCaps"].target = reinterpret_cast<void*>(+[](HDC, int) { return 120; }); // dots per inch
     stubs["LoadImageW"].target = reinterpret_cast<void*>(+load);
     stubs["DrawIconEx"].target = reinterpret_cast<void*>(+draw);
@@ -256,7 +255,6 @@ TEST_F(Panel, NamesItsFirstField) {
         *result = isService ? &service : nullptr;
         return isService ? S_OK : REGDB_E_CLASSNOTREG;
     };
-    stubs.AddImports(PluginModule());
     stubs["CoCreateInstance"].target = reinterpret_cast<void*>(+create);
     Show();
     Read(kQuery);
@@ -276,7 +274,6 @@ void PressBrowse(HWND panel) {
 TEST_F(Panel, AsksTheFileDialogForAStyleSheet) {
     static std::function<BOOL(OPENFILENAMEW&)> answer;
     const auto stub = [](OPENFILENAMEW* dialog) { return answer(*dialog); };
-    stubs.AddImports(PluginModule());
     stubs["GetOpenFileNameW"].target = reinterpret_cast<void*>(+stub);
     const std::wstring chosen = L"C:\\" + std::wstring(200, L'x') + L".xsl";
     HWND panel = Show(L"-xsltfile=old");
@@ -286,7 +283,7 @@ TEST_F(Panel, AsksTheFileDialogForAStyleSheet) {
         EXPECT_EQ(dialog.hwndOwner, panel);
         const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0", 39);
         EXPECT_EQ(std::wstring(dialog.lpstrFilter, filter.size()), filter);
-        EXPECT_EQ(dialog.lpstrInitialDir, ModuleFolder(PluginModule()).Text() + std::wstring(L"XSLT"));
+        EXPECT_EQ(dialog.lpstrInitialDir, ModuleFolder(library).Text() + std::wstring(L"XSLT"));
         EXPECT_STREQ(dialog.lpstrFile, L"");
         EXPECT_EQ(dialog.nMaxFile, 260u) << "units";
         EXPECT_EQ(dialog.Flags, 0u);

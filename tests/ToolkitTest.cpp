@@ -13,7 +13,6 @@
 namespace {
 
 constexpr LRESULT kTaken = 4711; // what OnMessage answers when it takes a message
-constexpr LRESULT kNotifyResult = 99;
 constexpr UINT_PTR kTimer = 5;
 
 enum class Mode {
@@ -40,8 +39,6 @@ protected:
     void OnInit() override { Note("Init"); }
     bool OnDestroy() override { return Note("Destroy"); }
     bool OnEraseBackground(HDC dc) override { return Note("EraseBackground", dc); }
-    bool OnMouseWheel(int x, int y, int delta, UINT keys) override { return Note("MouseWheel", x, y, delta, keys); }
-    bool OnNotify(NMHDR* header, LRESULT& result) override { result = mode == Mode::Handle ? kNotifyResult : 0; return Note("Notify", header->code); }
     void OnPaint() override { Note("Paint"); }
     bool OnTimer(UINT_PTR id, uint64_t userWord) override { return Note("Timer", id, userWord); }
     HBRUSH OnCtlColorStatic(HDC dc) override { return Note("ColorStatic", dc) ? GetSysColorBrush(COLOR_INFOBK) : nullptr; }
@@ -69,7 +66,6 @@ void MakeDialog(XWindow& object) {
                                reinterpret_cast<LPARAM>(&object));
 }
 
-NMHDR notifyHeader = {nullptr, 0, 32};
 const LPARAM kBrush = reinterpret_cast<LPARAM>(GetSysColorBrush(COLOR_INFOBK));
 
 enum Handled { Never, Always, AsAnswered };
@@ -87,8 +83,6 @@ const struct Row {
     {WM_INITDIALOG, 0, 0, "Init;", Always},
     {WM_DESTROY, 0, 0, "Destroy;"},
     {WM_ERASEBKGND, 17, 0, "EraseBackground 0x11;", AsAnswered, 1},
-    {WM_MOUSEWHEEL, MAKEWPARAM(MK_CONTROL, -120), MAKELPARAM(-3, -4), "MouseWheel -3 -4 -120 8;"},
-    {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notifyHeader), "Notify 32;", AsAnswered, kNotifyResult},
     {WM_PAINT, 0, 0, "Paint;", Never},
     {WM_TIMER, kTimer, 0, "Timer 5 77;"},
     {WM_TIMER, kTimer + 1, 0, "", Never},

@@ -281,7 +281,7 @@ TEST_F(Panel, AsksTheFileDialogForAStyleSheet) {
     answer = [&](const OPENFILENAMEW& dialog) {
         EXPECT_EQ(dialog.lStructSize, sizeof dialog);
         EXPECT_EQ(dialog.hwndOwner, panel);
-        const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0", 39);
+        const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0\0", 39);
         EXPECT_EQ(std::wstring(dialog.lpstrFilter, filter.size()), filter);
         EXPECT_EQ(dialog.lpstrInitialDir, ModuleFolder(library).Text() + std::wstring(L"XSLT"));
         EXPECT_STREQ(dialog.lpstrFile, L"");

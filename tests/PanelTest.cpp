@@ -3,16 +3,12 @@
 #include "tests/shared/CallStubs.h"
 #include "tests/shared/PluginHarness.h"
 #include "tests/shared/TestWindow.h"
-#include "toolkit/XIcon.h"
-#include "tools/PrivateRegistry.h"
 
 #include <commdlg.h>
-#include <dlgs.h>
 #include <oleacc.h>
 #include <shellapi.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cwchar>
 #include <filesystem>
 #include <functional>
@@ -27,24 +23,19 @@ constexpr int kExtension = 1010;
 constexpr int64_t kClose = 0;
 constexpr int64_t kQuery = -123;
 
-std::wstring TextOf(HWND window) {
-    wchar_t text[1000] = {};
-    GetWindowTextW(window, text, static_cast<int>(std::size(text)));
-    return text;
-}
-
 std::wstring FieldText(HWND panel, int id) {
-    return TextOf(GetDlgItem(panel, id));
-}
-
-HMODULE PluginModule() {
-    return GetModuleHandleW(L"WriteMetadataFile.dll");
+    wchar_t text[1000] = {};
+    GetDlgItemTextW(panel, id, text, static_cast<int>(std::size(text)));
+    return text;
 }
 
 /// The plug-in as it ships, with a host window.
 class Panel : public testing::Test {
 public:
-    void SetUp() override { SKIP_WITHOUT_DISPLAY(host.Get()); }
+    void SetUp() override {
+        SKIP_WITHOUT_DISPLAY(host.Get());
+        stubs.AddImports(library);
+    }
 
     HWND Show(const wchar_t* settings = L"", int32_t x = 0, int32_t y = 0) {
         return CALL_PLUGIN(DSP_ShowConfigBit, plugin.Instance(), host.Get(), x, y, settings);
@@ -52,40 +43,51 @@ public:
 
     std::wstring Read(int64_t mode) { return CALL_PLUGIN(DSP_RemoveConfigBit, plugin.Instance(), mode); }
 
-    PrivateRegistry registry; // the file dialog remembers in it what was chosen
     OwnedWindow host = MakeTopWindow();
     CallStubs stubs;       // destroyed after the library that calls through them
     PluginInstance plugin; // destroyed before its host window
+    const HMODULE library = GetModuleHandleW(L"WriteMetadataFile.dll");
 };
 
-/// A line for a window of the panel: class, id, style, place in dialog units and text.
+/// A line for a window of the panel: class, id, style, place in dialog units, whether its text is clipped at
+/// the resolution that the screen has when the test runs, and the text.
 std::string Described(HWND panel, HWND window) {
     RECT units = {0, 0, 4, 8};
     MapDialogRect(panel, &units); // the font's base units in pixels
-    const Place place = PlaceOf(window);
+    const RECT place = PlaceOf(window);
     char className[20] = {};
     char text[200] = {};
     GetClassNameA(window, className, sizeof className);
     GetWindowTextA(window, text, sizeof text);
+    const HDC dc = GetDC(window);
+    SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0)));
+    RECT needed = {};
+    RECT area = {};
+    DrawTextA(dc, text, -1, &needed, DT_CALCRECT);
+    GetClientRect(window, &area);
+    ReleaseDC(window, dc);
+    const bool isClipped = needed.right > area.right || needed.bottom > area.bottom;
     // The system drops WS_SYSMENU from a DS_CONTROL dialog and adds DS_3DLOOK to any. An edit control takes
-    // WS_BORDER for itself; its border shows in another style, which Windows' dialogs give it, or in where
-    // its text begins.
+    // WS_BORDER for itself.
     const LONG hidden = window == panel ? LONG{WS_SYSMENU | DS_3DLOOK} : LONG{WS_BORDER};
     const LONG style = GetWindowLongW(window, GWL_STYLE) & ~hidden;
-    RECT textArea = {};
-    SendMessageW(window, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&textArea));
-    const bool hasEdge = (GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0 || textArea.top > 0;
     char line[300];
-    std::snprintf(line, sizeof line, "%s %d, %08lX%s, %d %d %d %d \"%s\"\n", className, GetDlgCtrlID(window),
-                  static_cast<DWORD>(style), hasEdge ? " edged" : "", MulDiv(place[0], 4, units.right),
-                  MulDiv(place[1], 8, units.bottom), MulDiv(place[2], 4, units.right),
-                  MulDiv(place[3], 8, units.bottom), text);
+    std::snprintf(line, sizeof line, "%s %d, %08lX, %d %d %d %d%s \"%s\"\n", className, GetDlgCtrlID(window),
+                  static_cast<DWORD>(style), MulDiv(place.left, 4, units.right),
+                  MulDiv(place.top, 8, units.bottom), MulDiv(place.right - place.left, 4, units.right),
+                  MulDiv(place.bottom - place.top, 8, units.bottom), isClipped ? " clipped" : "", text);
     return line;
 }
 
 TEST_F(Panel, HasItsControls) {
     const HWND panel = Show();
-    ASSERT_NE(panel, nullptr);
+    std::string controls = Described(panel, panel);
+    for (HWND control = GetWindow(panel, GW_CHILD); control != nullptr;
+         control = GetWindow(control, GW_HWNDNEXT)) {
+        controls += Described(panel, control);
+    }
+    EXPECT_EQ(controls, ReadBytes(L"data\\panel.txt"));
+
     const HDC dc = GetDC(panel);
     LOGFONTW font = {};
     GetObjectW(reinterpret_cast<HFONT>(SendMessageW(panel, WM_GETFONT, 0, 0)), sizeof(font), &font);
@@ -93,59 +95,29 @@ TEST_F(Panel, HasItsControls) {
     EXPECT_TRUE(std::wstring(font.lfFaceName).starts_with(L"MS Shell Dlg")) << font.lfFaceName;
     EXPECT_EQ(font.lfHeight, -MulDiv(8, GetDeviceCaps(dc, LOGPIXELSY), 72));
     EXPECT_EQ(font.lfWeight, 400);
-
-    std::string controls = Described(panel, panel);
-    for (HWND control = GetWindow(panel, GW_CHILD); control != nullptr;
-         control = GetWindow(control, GW_HWNDNEXT)) {
-        controls += Described(panel, control);
-        // No text is clipped at the resolution that the screen has when the test runs.
-        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-        RECT needed = {};
-        RECT area;
-        DrawTextW(dc, TextOf(control).c_str(), -1, &needed, DT_CALCRECT);
-        GetClientRect(control, &area);
-        EXPECT_TRUE(needed.right <= area.right && needed.bottom <= area.bottom) << TextOf(control);
-    }
-    EXPECT_EQ(controls, ReadBytes(L"data\\panel.txt"));
     ReleaseDC(panel, dc);
 }
 
 TEST_F(Panel, ShowsItsIconInTheScreensSize) {
-    stubs.AddImports(PluginModule());
+    static std::vector<int> loaded, drawn;
+    const auto load = [](HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
+        loaded = {static_cast<int>(reinterpret_cast<intptr_t>(name)), width, height};
+        return LoadImageW(module, name, type, width, height, flags);
+    };
+    const auto draw = [](HDC, int x, int y, HICON icon, int width, int height, UINT, HBRUSH,
+                         UINT flags) -> BOOL {
+        drawn = {icon != nullptr, x, y, width, height, static_cast<int>(flags)};
+        return TRUE;
+    };
     stubs["GetDeviceCaps"].target = reinterpret_cast<void*>(+[](HDC, int) { return 120; }); // dots per inch
-    constexpr int kSize = 24 * 120 / 96;
+    stubs["LoadImageW"].target = reinterpret_cast<void*>(+load);
+    stubs["DrawIconEx"].target = reinterpret_cast<void*>(+draw);
     const HWND panel = Show();
-    RedrawWindow(panel, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-    const HDC dc = GetDC(panel);
+    UpdateWindow(panel);
     RECT place = {284, 1, 1, 1};
     MapDialogRect(panel, &place);
-    const RECT around = {place.left - 3, place.top - 3, place.left + kSize + 3, place.top + kSize + 3};
-    const auto picture = [](HDC from, const RECT& area) {
-        std::vector<COLORREF> pixels;
-        for (LONG y = area.top; y < area.bottom; ++y) {
-            for (LONG x = area.left; x < area.right; ++x) {
-                pixels.push_back(GetPixel(from, x, y));
-            }
-        }
-        return pixels;
-    };
-    const std::vector<COLORREF> shown = picture(dc, around);
-    FillRect(dc, &around, GetSysColorBrush(COLOR_3DFACE));
-    EXPECT_NE(shown, picture(dc, around));
-    const OwnedIcon icon(
-        static_cast<HICON>(LoadImageW(PluginModule(), MAKEINTRESOURCEW(110), IMAGE_ICON, kSize, kSize, 0)));
-    DrawIconEx(dc, place.left, place.top, icon.Get(), kSize, kSize, 0, nullptr, DI_NORMAL);
-    EXPECT_EQ(shown, picture(dc, around));
-    ReleaseDC(panel, dc);
-
-    // Windows' font leaves 28 pixels from the icon's place to the panel's edge. The last of them, and those
-    // beyond, have to stay free.
-    const HDC free = GetDC(host.Get());
-    const RECT right = {627, 300, 630, 330};
-    const std::vector<COLORREF> before = picture(free, right);
-    DrawIconEx(free, 600, 300, icon.Get(), kSize, kSize, 0, nullptr, DI_NORMAL);
-    EXPECT_EQ(picture(free, right), before);
-    ReleaseDC(host.Get(), free);
+    EXPECT_EQ(loaded, std::vector({110, 30, 30}));
+    EXPECT_EQ(drawn, std::vector<int>({true, place.left, place.top, 30, 30, DI_NORMAL}));
 }
 
 /// Whether the field shows the end of its text, with the caret there.
@@ -162,19 +134,17 @@ bool ShowsItsEnd(HWND field) {
 
 TEST_F(Panel, FillsItsFieldsAndReadsThem) {
     const std::wstring read(259, L'x'); // of each field, at most
-    const struct {
-        std::wstring settings, xsltFile, extension;
-    } rows[] = {
-        {L"--ext = txt -XsltFile=\"C:\\a b\\c-d.xsl\"", L"C:\\a b\\c-d.xsl", L"txt"},
-        {L"-EXT=.a -ext=.b -filename=n -xsltfile -xsltfile=c", L"", L".a"}, // the first ones count
-        {L"-xsltfile=\"\u65e5\u672c\U0001F3B5.xsl\"", L"\u65e5\u672c\U0001F3B5.xsl", L""},
-        {L"-xsltfile=" + read + L"yz -ext=" + read + L"y", read, read},
-    };
-    for (const auto& row : rows) {
-        const HWND panel = Show(row.settings.c_str());
-        EXPECT_TRUE(FieldText(panel, kXsltFile).starts_with(row.xsltFile)) << "shown whole, however long";
-        EXPECT_TRUE(ShowsItsEnd(GetDlgItem(panel, kXsltFile)) || row.xsltFile.empty()) << row.xsltFile;
-        EXPECT_EQ(Read(kQuery), L"-xsltfile=\"" + row.xsltFile + L"\" -ext=\"" + row.extension + L"\"");
+    const std::pair<std::wstring, std::wstring> rows[] = {
+        {L"C:\\a b\\\u65e5\u672c\U0001F3B5.xsl", L"txt"}, {read + L"yz", read + L"y"}, {L"", L""}};
+    for (const auto& [xsltFile, extension] : rows) {
+        const auto settings = [&](size_t size) {
+            return L"-xsltfile=\"" + xsltFile.substr(0, size) + L"\" -ext=\"" + extension.substr(0, size) +
+                   L"\"";
+        };
+        const HWND panel = Show(settings(1000).c_str());
+        EXPECT_EQ(FieldText(panel, kXsltFile), xsltFile) << "shown whole, however long";
+        EXPECT_TRUE(ShowsItsEnd(GetDlgItem(panel, kXsltFile)) || xsltFile.empty()) << xsltFile;
+        EXPECT_EQ(Read(kQuery), settings(read.size()));
     }
     // No more can be typed than is read.
     const HWND panel = Show(nullptr);
@@ -219,7 +189,6 @@ TEST_F(Panel, ClosesWithItsParentOrInstanceAndWhenReplaced) {
         }
         EXPECT_EQ(GetWindow(host.Get(), GW_CHILD), nullptr);
     }
-    PumpMessages();
 }
 
 TEST_F(Panel, AppearsWhereTheHostPlacesIt) {
@@ -234,9 +203,9 @@ TEST_F(Panel, AppearsWhereTheHostPlacesIt) {
                                                       nullptr, nullptr, nullptr));
             const HWND panel = Show(L"", row.x, row.y);
             EXPECT_EQ(GetWindow(panel, GW_HWNDPREV), sibling.Get()) << "it stays below older siblings";
-            const Place place = PlaceOf(panel);
-            EXPECT_EQ(place[0], row.left) << layout;
-            EXPECT_EQ(place[1], row.top) << layout;
+            const RECT place = PlaceOf(panel);
+            EXPECT_EQ(place.left, row.left) << layout;
+            EXPECT_EQ(place.top, row.top) << layout;
         }
     }
 }
@@ -259,158 +228,144 @@ TEST_F(Panel, WorksBesideAnother) {
     EXPECT_STREQ(CALL_PLUGIN(DSP_RemoveConfigBit, other.Instance(), kClose), L"-xsltfile=\"\" -ext=\".b\"");
 }
 
-/// Stands in for the system's service for accessible names and for the factory of that service: a COM object
-/// with the methods of both at their places in the table. Only the named ones are called.
-class NameService final {
-public:
-    virtual HRESULT QueryInterface(const IID& id, void** result) {
-        const bool known = id == IID_IUnknown || id == IID_IClassFactory || id == IID_IAccPropServices;
-        *result = known ? this : nullptr; // COM may ask for more, such as a marshaller
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    virtual ULONG AddRef() { return 1; }
-    virtual ULONG Release() { return 1; }
-    virtual HRESULT CreateInstance(IUnknown*, const IID& id, void** result) {
-        return QueryInterface(id, result);
-    }
-    virtual void Unused4() {}
-    virtual void Unused5() {}
-    virtual void Unused6() {}
-    virtual HRESULT SetHwndPropStr(HWND control, DWORD object, DWORD child, MSAAPROPID id,
-                                   const wchar_t* name) {
-        calls += IsNameOfField(control, object, child, id) ? name : L"?";
-        return S_OK;
-    }
-    virtual void Unused8() {}
-    virtual HRESULT ClearHwndProps(HWND control, DWORD object, DWORD child, const MSAAPROPID* id, int count) {
-        calls += IsNameOfField(control, object, child, *id) && count == 1 ? L" cleared;" : L"?";
-        return S_OK;
-    }
-
-    std::wstring calls; // the names that were set
-
-private:
-    static bool IsNameOfField(HWND control, DWORD object, DWORD child, const MSAAPROPID& id) {
+TEST_F(Panel, NamesItsFirstField) {
+    // Stands in for the system's service: a COM object is a pointer to the table of its methods.
+    static std::wstring calls;
+    static const auto isNameOfField = [](HWND control, DWORD object, DWORD child, const MSAAPROPID& id) {
         return GetDlgCtrlID(control) == kXsltFile && object == static_cast<DWORD>(OBJID_CLIENT) &&
                child == CHILDID_SELF && id == PROPID_ACC_NAME;
-    }
-};
-
-TEST_F(Panel, NamesItsFirstField) {
-    NameService service;
-    CoInitialize(nullptr);
-    DWORD cookie = 0;
-    ASSERT_EQ(CoRegisterClassObject(CLSID_AccPropServices, reinterpret_cast<IUnknown*>(&service),
-                                    CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie),
-              S_OK);
+    };
+    const auto release = [](void*) -> ULONG { return 1; };
+    const auto set = [](void*, HWND control, DWORD object, DWORD child, const MSAAPROPID* id,
+                        const wchar_t* name) {
+        calls += isNameOfField(control, object, child, *id) ? name : L"?";
+        return S_OK;
+    };
+    const auto clear = [](void*, HWND control, DWORD object, DWORD child, const MSAAPROPID* id, int count) {
+        calls += isNameOfField(control, object, child, *id) && count == 1 ? L" cleared;" : L"?";
+        return S_OK;
+    };
+    static const void* methods[10] = {};
+    methods[2] = reinterpret_cast<void*>(+release);
+    methods[7] = reinterpret_cast<void*>(+set); // which gets the large id by its address
+    methods[9] = reinterpret_cast<void*>(+clear);
+    static const void* const* service = methods;
+    const auto create = [](const CLSID& classId, IUnknown*, DWORD, const IID& id, void** result) {
+        const bool isService = classId == CLSID_AccPropServices && id == IID_IAccPropServices;
+        *result = isService ? &service : nullptr;
+        return isService ? S_OK : REGDB_E_CLASSNOTREG;
+    };
+    stubs["CoCreateInstance"].target = reinterpret_cast<void*>(+create);
     Show();
     Read(kQuery);
-    EXPECT_EQ(service.calls, L"Apply XSLT file:");
+    EXPECT_EQ(calls, L"Apply XSLT file:");
     Read(kClose);
     Show();
     plugin.Destroy();
-    EXPECT_EQ(service.calls, L"Apply XSLT file: cleared;Apply XSLT file: cleared;");
-    CoRevokeClassObject(cookie);
-    CoUninitialize();
+    EXPECT_EQ(calls, L"Apply XSLT file: cleared;Apply XSLT file: cleared;");
 }
 
 /// Sends what the button sends its parent when it is pressed: on Windows, BM_CLICK may fail in a dialog that
 /// is not active.
 void PressBrowse(HWND panel) {
-    const HWND button = GetDlgItem(panel, kBrowse);
-    SendMessageW(panel, WM_COMMAND, MAKEWPARAM(kBrowse, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+    SendMessageW(panel, WM_COMMAND, MAKEWPARAM(kBrowse, BN_CLICKED), 0);
 }
 
 TEST_F(Panel, AsksTheFileDialogForAStyleSheet) {
     static std::function<BOOL(OPENFILENAMEW&)> answer;
     const auto stub = [](OPENFILENAMEW* dialog) { return answer(*dialog); };
-    stubs.AddImports(PluginModule());
     stubs["GetOpenFileNameW"].target = reinterpret_cast<void*>(+stub);
-    const HWND panel = Show(L"-xsltfile=old");
-    answer = [](const OPENFILENAMEW& dialog) {
-        const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0", 38);
+    const std::wstring chosen = L"C:\\" + std::wstring(200, L'x') + L".xsl";
+    HWND panel = Show(L"-xsltfile=old");
+    int press = 0;
+    answer = [&](const OPENFILENAMEW& dialog) {
+        EXPECT_EQ(dialog.lStructSize, sizeof dialog);
+        EXPECT_EQ(dialog.hwndOwner, panel);
+        const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0\0", 39);
         EXPECT_EQ(std::wstring(dialog.lpstrFilter, filter.size()), filter);
-        EXPECT_EQ(dialog.lpstrInitialDir, ModuleFolder(PluginModule()).Text() + std::wstring(L"XSLT"));
+        EXPECT_EQ(dialog.lpstrInitialDir, ModuleFolder(library).Text() + std::wstring(L"XSLT"));
         EXPECT_STREQ(dialog.lpstrFile, L"");
         EXPECT_EQ(dialog.nMaxFile, 260u) << "units";
         EXPECT_EQ(dialog.Flags, 0u);
-        return FALSE;
+        // The dialog moves to the folder that it shows, and the host may replace the panel meanwhile.
+        SetCurrentDirectoryW(L"C:\\");
+        panel = ++press == 3 ? Show(L"-xsltfile=new") : panel;
+        std::wcscpy(dialog.lpstrFile, chosen.c_str());
+        return press > 1; // at first the user cancels
     };
+    const auto currentFolder = std::filesystem::current_path();
     PressBrowse(panel);
     EXPECT_EQ(FieldText(panel, kXsltFile), L"old");
-
-    // The dialog moves to the folder that it shows, and the host may replace the panel meanwhile.
-    const auto currentFolder = std::filesystem::current_path();
-    answer = [this](const OPENFILENAMEW& dialog) {
-        Show(L"-xsltfile=new");
-        std::wcscpy(dialog.lpstrFile, L"C:\\chosen.xsl");
-        return SetCurrentDirectoryW(L"C:\\");
-    };
     PressBrowse(panel);
-    EXPECT_EQ(std::filesystem::current_path(), currentFolder);
-    EXPECT_EQ(Read(kClose), L"-xsltfile=\"new\" -ext=\"\"");
-}
-
-/// The edit field of the file dialog: by itself in the older dialog, else within one or two combo boxes.
-HWND FileNameField(HWND dialog) {
-    HWND field = GetDlgItem(dialog, cmb13);
-    field = field != nullptr ? field : GetDlgItem(dialog, edt1);
-    while (const HWND inner = GetWindow(field, GW_CHILD)) {
-        field = inner;
-    }
-    return field;
-}
-
-TEST_F(Panel, TakesWhatTheUserChooses) {
-    const HWND panel = Show();
-    static ULONGLONG end;
-    end = GetTickCount64() + 60'000;
-    const auto choose = [](HWND owner, UINT, UINT_PTR timer, DWORD) {
-        HWND dialog = nullptr; // other tests may have one open as well
-        do {
-            dialog = FindWindowExW(nullptr, dialog, MAKEINTRESOURCEW(32770), nullptr);
-        } while (dialog != nullptr && GetWindow(dialog, GW_OWNER) != owner);
-        if (IsWindowVisible(dialog)) {
-            KillTimer(owner, timer);
-            SetWindowTextW(FileNameField(dialog), L"new one.xsl");
-            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-        } else if (GetTickCount64() > end) {
-            ADD_FAILURE() << "no file dialog";
-            std::_Exit(1); // the plug-in waits for it
-        }
-    };
-    SetTimer(host.Get(), 1, 10, choose);
-    PressBrowse(panel);
-    const std::wstring chosen = FieldText(panel, kXsltFile);
-    EXPECT_TRUE(chosen.ends_with(L"\\new one.xsl")) << chosen;
-    if (RunsUnderWine()) { // since Windows 7 the folder that the user chose last may go before the plug-in's
-        EXPECT_EQ(chosen, ModuleFolder(PluginModule()).Text() + std::wstring(L"XSLT\\new one.xsl"));
-    }
+    EXPECT_EQ(FieldText(panel, kXsltFile), chosen);
     EXPECT_TRUE(ShowsItsEnd(GetDlgItem(panel, kXsltFile)));
+    PressBrowse(panel);
+    EXPECT_EQ(FieldText(panel, kXsltFile), L"new");
+    EXPECT_EQ(std::filesystem::current_path(), currentFolder);
 }
 
 } // namespace
 
-// The ShellExecuteW that the help button calls in this program.
-static std::wstring shellCall;
+// What the help button opens by the ShellExecuteW that it calls in this program.
+static std::vector<std::wstring> opened;
 
 static HINSTANCE WINAPI RecordShellExecute(HWND owner, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters,
                                            LPCWSTR folder, INT show) {
     const bool plain = owner == nullptr && verb == nullptr && parameters == nullptr && show == SW_SHOWDEFAULT;
-    shellCall = (plain ? L"" : L"not plain ") + std::wstring(file) + L" in " + folder;
+    opened.push_back((plain ? L"" : L"not plain ") + std::wstring(file) + L" in " + folder);
     return nullptr;
 }
 extern "C" {
 decltype(&ShellExecuteW) __imp_ShellExecuteW = RecordShellExecute;
 }
 
-TEST(HelpButton, OpensTheHelpPage) {
+TEST(HelpButton, OpensTheHelpPageAtEachClick) {
     const OwnedWindow host = MakeTopWindow();
     SKIP_WITHOUT_DISPLAY(host.Get());
+    struct Parent : XSubClassCtrl {
+        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+            if (message == WM_COMMAND) {
+                DestroyWindow(destroyed);
+            }
+            return XSubClassCtrl::WindowProc(message, wParam, lParam);
+        }
+        HWND destroyed = nullptr; // by the next command
+    } parent;
+    parent.Attach(host.Get());
+    const HWND control = CreateWindowExW(0, L"BUTTON", L"Help", WS_CHILD | WS_VISIBLE, 0, 0, 80, 30,
+                                         host.Get(), nullptr, nullptr, nullptr);
+    const LONG_PTR procedure = GetWindowLongPtrW(control, GWLP_WNDPROC);
     HelpButton button;
-    button.Attach(CreateWindowExW(0, L"BUTTON", L"Help", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, host.Get(),
-                                  nullptr, nullptr, nullptr));
-    SendMessageW(button.Hwnd(), BM_CLICK, 0, 0);
+    button.Attach(control);
     const std::wstring folder = std::wstring(ModuleFolder(nullptr).Text()) + L"Help\\kbn\\";
-    EXPECT_EQ(shellCall, folder + L"DSP.htm in " + folder);
+    const std::vector<std::wstring> once = {folder + L"DSP.htm in " + folder};
+    constexpr LPARAM kInside = MAKELPARAM(5, 5);
+    const struct {
+        const char* label;
+        UINT down, up;
+        WPARAM wParam;
+        LPARAM upAt;
+        bool isClick;
+    } rows[] = {{"by message", WM_NULL, BM_CLICK, 0, 0, true},
+                {"mouse", WM_LBUTTONDOWN, WM_LBUTTONUP, 0, kInside, true},
+                {"released outside", WM_LBUTTONDOWN, WM_LBUTTONUP, 0, MAKELPARAM(200, 5), false},
+                {"released only", WM_NULL, WM_LBUTTONUP, 0, kInside, false},
+                {"space", WM_KEYDOWN, WM_KEYUP, VK_SPACE, 0, true},
+                {"other key", WM_LBUTTONDOWN, WM_KEYUP, VK_F5, 0, false}};
+    for (const auto& row : rows) {
+        opened.clear();
+        SendMessageW(control, row.down, row.wParam, kInside);
+        SendMessageW(control, row.up, row.wParam, row.upAt);
+        EXPECT_EQ(opened, row.isClick ? once : std::vector<std::wstring>()) << row.label;
+    }
+    button.Attach(nullptr);
+    EXPECT_EQ(GetWindowLongPtrW(control, GWLP_WNDPROC), procedure) << "the control is as it was";
+
+    button.Attach(control);
+    opened.clear();
+    parent.destroyed = control;
+    SendMessageW(control, BM_CLICK, 0, 0);
+    EXPECT_FALSE(IsWindow(control));
+    EXPECT_EQ(button.Hwnd(), nullptr);
+    EXPECT_TRUE(opened.empty()) << "no click when the parent destroys the control";
 }

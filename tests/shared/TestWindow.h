@@ -4,8 +4,6 @@
 
 #include <windows.h>
 
-#include <array>
-
 /// A window from CreateWindowExW of this thread.
 using OwnedWindow = Owner<HWND, DestroyWindow>;
 
@@ -18,24 +16,13 @@ inline OwnedWindow MakeTopWindow(DWORD extendedStyle = 0) {
     return window;
 }
 
-/// Left, top, width and height.
-using Place = std::array<LONG, 4>;
-
 /// Where a window is in its parent's client area.
-inline Place PlaceOf(HWND window) {
+inline RECT PlaceOf(HWND window) {
     RECT rect = {};
     GetWindowRect(window, &rect);
     // Two points, which the system takes for a rectangle: a parent that is mirrored swaps left and right.
     MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&rect), 2);
-    return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
-}
-
-/// Dispatches the messages that wait for this thread.
-inline void PumpMessages() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        DispatchMessageW(&message);
-    }
+    return rect;
 }
 
 /// Ends a test where windows cannot be made; `window` is the first one that it made.

@@ -118,7 +118,8 @@ TEST_F(Conversion, OtherConversionsDifferAsExpected) {
         std::wstring settings = L"";
         const wchar_t* output = L"out.c.xml";
     } rows[] = {
-        {"no list of the decoder", [&](auto&) { library.listsAreNull = true; }},
+        {"null lists with sizes",
+         [&](auto&) { library.idTags = library.properties = {}, library.sizeInstead = 100; }},
         {"list sizes below 0", [&](auto&) { library.sizeInstead = -5; }},
         {"second instance of the decoder fails", [&](auto&) { library.failingCreate = 2; }},
         {"decoder opens nothing", [&](auto&) { library.opens = false; }},
@@ -232,7 +233,10 @@ TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
     };
     Convert(); // makes the key
     for (const auto& row : rows) {
-        Decoders::Store(L".OUT", row.stored, row.type, row.bytesLess);
+        const size_t size = row.stored.size() * sizeof(wchar_t) - row.bytesLess;
+        EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, Decoders::kCacheKey, L".OUT", row.type,
+                                  row.stored.data(), static_cast<DWORD>(size)),
+                  ERROR_SUCCESS);
         // What is read behind the data is no zero then: the path's bytes take a block that was filled.
         std::vector<std::string>(5000, std::string(151, '\xAA')).clear();
         Convert();

@@ -13,7 +13,7 @@ protected:
         WriteTestFile(converted, "converted");
         SetTimes(source, {2024, 3, 4, 7, 12, 5, 8, 0});
         SetTimes(converted, {1999, 12, 5, 31, 21, 59, 58, 0});
-        decoders.ExpectContext(plugin.Instance());
+        decoders.context = plugin.Instance();
         library.decodes = {L".tst", L".OUT", L".wav"};
         library.audioInfo.format.wFormatTag = 1;
         library.audioInfo.format.nChannels = 2;

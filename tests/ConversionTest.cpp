@@ -178,17 +178,19 @@ TEST_F(ConversionTest, TheStyleSheetStaysForLaterConversions) {
     const std::wstring scope = L"  [clDSP_WriteMetadataFile::WriteXMLFile]\r\n";
     const std::wstring end = L"<-<-  [clDSP_WriteMetadataFile::AfterConversion]\r\n";
     WriteTestFile(sheet, "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'>"
-                         "<xsl:output method='text' encoding='UTF-8'/><xsl:template match='/'>"
-                         "<xsl:value-of select='//Title'/></xsl:template></xsl:stylesheet>");
+                         "<xsl:output method='xml' encoding='UTF-16' omit-xml-declaration='yes'/>"
+                         "<xsl:template match='/'><t><xsl:value-of select='//Title'/></t></xsl:template>"
+                         "</xsl:stylesheet>");
+    const std::wstring expected = L"\xFEFF<t>Caf\x00E9 &amp; more</t>"; // the parser's own bytes
     for (const std::wstring& settings : {L"-xsltfile=\"" + sheet + L"\"", std::wstring()}) {
         WriteTestFile(document, std::string(100'000, '?'));
         const std::wstring trace = Convert(settings);
         EXPECT_TRUE(trace.ends_with(L"    XML content loaded successfully" + scope +
                                     L"    XSL file loaded successfully" + scope + L"  <-<-" + scope + end))
             << trace;
-        const std::string bytes = ReadBytes(document);
-        EXPECT_TRUE(bytes.starts_with("Caf\xC3\xA9 & more"));
-        EXPECT_LT(bytes.size(), 100'000u) << "nothing is left of the old file";
+        const std::wstring units = ReadUtf16(document);
+        EXPECT_EQ(units.substr(0, expected.size()), expected);
+        EXPECT_LT(units.size(), 50'000u) << "nothing is left of the old file";
     }
     WriteTestFile(sheet, "<");
     EXPECT_TRUE(Convert().ends_with(L"*** Error: " + scope + L"  " + end)) << "without a leaving line";

@@ -300,11 +300,8 @@ private:
 
     static HRESULT WINAPI Clear(VARIANT* value) {
         auto* const original = Original(Clear);
-        if (value->vt == VT_BSTR) {
-            Give("SysFreeString", "VariantClear", Key(value->bstrVal));
-        } else if (value->vt == VT_UNKNOWN) {
-            Give("release", "VariantClear", Key(value->punkVal));
-        }
+        // The plug-in has no other kinds. Both lie in one place.
+        Give(value->vt == VT_BSTR ? "SysFreeString" : "release", "VariantClear", Key(value->punkVal));
         return original(value);
     }
 

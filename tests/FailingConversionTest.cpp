@@ -50,26 +50,33 @@ TEST_F(FailingConversion, KeepsTheTraceBalanced) {
     }
 }
 
-TEST_F(FailingConversion, LooksForDecodersOfAProgramDeepInFolders) {
+TEST_F(FailingConversion, LooksForDecodersBesideTheProgram) {
+    static std::wstring program;
     static std::set<std::wstring> patterns;
-    static const std::wstring programFolder =
-        L"C:\\" + std::wstring(200, L'a') + L"\\" + std::wstring(200, L'b') + L"\\";
-    static void* findFirst;
-    patterns.clear();
-    findFirst = stubs["FindFirstFileW"].target;
+    static void* const watched = stubs["FindFirstFileW"].target;
     const auto name = [](HMODULE, wchar_t* path, DWORD size) {
-        return static_cast<DWORD>((programFolder + L"program.exe").copy(path, size));
+        return static_cast<DWORD>(program.copy(path, size));
     };
     const auto find = [](const wchar_t* pattern, WIN32_FIND_DATAW* found) {
         patterns.insert(pattern);
-        return reinterpret_cast<decltype(&FindFirstFileW)>(findFirst)(pattern, found);
+        return reinterpret_cast<decltype(&FindFirstFileW)>(watched)(pattern, found);
     };
+    const std::wstring deep = L"C:\\" + std::wstring(200, L'a') + L"\\" + std::wstring(700, L'b') + L"\\";
+    const std::pair<std::wstring, std::wstring> rows[] = {{deep + L"x.exe", L"\\\\?\\" + deep},
+                                                          {L"\"C:\\a b\\x.exe\" -y \\z", L"C:\\a b\\"},
+                                                          {L"\"C:\\a\\x.exe", L"C:\\a\\"},
+                                                          {L"\"x.exe\"", L"x.exe\\"},
+                                                          {L"", L"\\"}};
     stubs["GetModuleFileNameW"].target = reinterpret_cast<void*>(+name);
     stubs["FindFirstFileW"].target = reinterpret_cast<void*>(+find);
-    Convert();
-    EXPECT_EQ(patterns.count(L"\\\\?\\" + programFolder + L"decoder\\*.dll"), 1u);
+    for (const auto& [path, folderOfIt] : rows) {
+        program = path;
+        patterns.clear();
+        Convert();
+        EXPECT_EQ(patterns.count(folderOfIt + L"decoder\\*.dll"), 1u) << path;
+    }
     stubs["GetModuleFileNameW"].target = stubs["GetModuleFileNameW"].function;
-    stubs["FindFirstFileW"].target = findFirst;
+    stubs["FindFirstFileW"].target = watched;
 }
 
 } // namespace

@@ -14,12 +14,13 @@ constexpr char kWave[] = "RIFF\x2C\0\0\0WAVE"
 
 TEST(HostTool, ReportsTheDocumentOrTheFault) {
     const std::wstring programs = ModuleFolder(nullptr).Text();
+    const std::wstring tools = programs + L"..\\..\\tools\\";
     const TempFolder folder;
     SetCurrentDirectoryW(folder.Path(L"").c_str());
     WriteTestFile(L"s.wave", std::string(kWave, sizeof kWave - 1));
     WriteTestFile(L"c.wave", ReadBytes(L"s.wave"));
     const struct {
-        std::wstring arguments; // "@" stands for the folder of the test programs
+        std::wstring arguments;
         int exitStatus;
         std::vector<const char*> outputs;
     } rows[] = {
@@ -31,21 +32,17 @@ TEST(HostTool, ReportsTheDocumentOrTheFault) {
          {"c.out, 0 bytes", "no style sheet gone.xsl"}},
         {L"s.wave t", 1, {"No decoder library reads files with the extension ."}},
         {L"s.wave c._", 1, {"There is no file ", "did not write", "Write XML incompatible"}},
-        {L"--plugin \"@..\\..\\tools\\decoder\\wav.dll\" s.wave c.wave", 1, {"does not export DSP_Create"}},
+        {L"--plugin \"" + tools + L"decoder\\wav.dll\" s.wave c.wave", 1, {"does not export DSP_Create"}},
         {L"", 2, {"one SOURCE and one CONVERTED"}},
         {L"--none a b", 2, {"unknown option --none"}},
         {L"a b --trace", 2, {"--trace needs a value"}},
     };
     for (const auto& row : rows) {
-        std::wstring arguments = row.arguments;
-        if (const size_t at = arguments.find(L'@'); at != std::wstring::npos) {
-            arguments.replace(at, 1, programs);
-        }
         // Each run has a file of its own: Wine's desktop keeps it open if this run started the desktop.
         const std::wstring out = L"out" + std::to_wstring(&row - rows);
         const std::wstring command =
-            L"\"\"" + programs + L"..\\..\\tools\\dsphost.exe\" " + arguments + L" >" + out + L" 2>&1 <NUL\"";
-        EXPECT_EQ(_wsystem(command.c_str()), row.exitStatus) << arguments;
+            L"\"\"" + tools + L"dsphost.exe\" " + row.arguments + L" >" + out + L" 2>&1 <NUL\"";
+        EXPECT_EQ(_wsystem(command.c_str()), row.exitStatus) << row.arguments;
         const std::string output = ReadBytes(out);
         for (const char* expected : row.outputs) {
             EXPECT_NE(output.find(expected), std::string::npos) << expected << "\nin\n" << output;

@@ -17,14 +17,6 @@ size_t wcslen(const wchar_t* text) noexcept {
     return size;
 }
 
-int wcscmp(const wchar_t* a, const wchar_t* b) noexcept {
-    while (*a != 0 && *a == *b) {
-        ++a;
-        ++b;
-    }
-    return *a - *b;
-}
-
 int wmemcmp(const wchar_t* a, const wchar_t* b, size_t count) noexcept {
     const auto [left, right] = std::mismatch(a, a + count, b);
     return left == a + count ? 0 : *left - *right;

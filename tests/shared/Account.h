@@ -7,11 +7,10 @@
 #include <oleauto.h>
 #include <winternl.h>
 
-#include <array>
 #include <atomic>
+#include <deque>
 #include <map>
 #include <mutex>
-#include <vector>
 
 /// What the plug-in has taken from the system and not given back, by the stubs of its imports and of the COM
 /// methods that it calls. Exact on any system: it counts the plug-in's own calls and nothing else. A call
@@ -60,25 +59,21 @@ public:
             if (change != 0) {
                 text += "; " + name + ": " + std::to_string(change) + " kept";
             }
-            for (int64_t count = change; count > 0 && name != "bytes"; --count) {
-                held.erase(std::find_if(held.rbegin(), held.rend(),
-                                        [&](const Entry& entry) { return entry.taker == name; })
-                               .base() -
-                           1);
-            }
+            int64_t kept = change;
+            std::erase_if(held, [&](const Entry& entry) { return entry.taker == name && kept-- > 0; });
         }
         return text;
     }
 
     /// Puts stubs in the methods that every object has: "query NAME", "addRef" and "release".
     static void Watch(void* object, const std::string& name = "object") {
-        Wrap(stubs->AddMethod("query " + name, object, 0, module), reinterpret_cast<void*>(Query));
-        Wrap(stubs->AddMethod("addRef", object, 1, module), reinterpret_cast<void*>(AddRef));
-        Wrap(stubs->AddMethod("release", object, 2, module), reinterpret_cast<void*>(Release));
+        WatchMethod("query " + name, object, 0);
+        WatchMethod("addRef", object, 1);
+        WatchMethod("release", object, 2);
     }
 
     /// Puts a stub in another method.
-    static void WatchMethod(const char* name, void* object, size_t method) {
+    static void WatchMethod(const std::string& name, void* object, size_t method) {
         Adopt(stubs->AddMethod(name, object, method, module));
     }
 
@@ -108,7 +103,7 @@ public:
             if (block != nullptr) {
                 std::memcpy(block + count, &kEnd, sizeof kEnd);
                 used += bytes;
-                Account::Take("block", "malloc", Key(block), count);
+                Account::Take("free", "malloc", Key(block), count);
             }
             return block;
         }
@@ -116,16 +111,8 @@ public:
             void* block = Take(count * each);
             return block != nullptr ? std::memset(block, 0, count * each) : nullptr;
         }
-        static void* TakeAgain(void* old, size_t count) {
-            void* block = Take(count);
-            if (block != nullptr && old != nullptr) {
-                std::memcpy(block, old, std::min(count, _msize(old) - sizeof kEnd));
-                Give(old);
-            }
-            return block;
-        }
         static void Give(void* block) {
-            if (const uint64_t count = Account::Give("block", "free", Key(block)); block != nullptr) {
+            if (const uint64_t count = Account::Give("free", "free", Key(block)); block != nullptr) {
                 if (std::memcmp(static_cast<char*>(block) + count, &kEnd, sizeof kEnd) != 0) {
                     AddFault("written behind a block");
                 }
@@ -137,77 +124,59 @@ public:
 
 private:
     struct Entry {
-        std::string_view kind;
+        std::string_view giver; // that is to give it back
         std::string_view taker;
         uint64_t key;
         uint64_t value;
     };
 
-    /// When a call takes something, by its answer; or that it gives it back.
-    enum class If { Handle, NotZero, Zero, NotNegative, Any, Gives };
+    /// When a call takes something, by its answer.
+    enum class If { NotNull, Zero, NotNegative, Any };
 
     /// Which thing of its kind it is: the argument of that number, counting from 1, or one of these.
     static constexpr size_t kAnswer = 0;
-    static constexpr size_t kTo = 10; // plus n: what the n-th argument points to
-    static constexpr size_t kThread = 20;
-    static constexpr size_t kOne = 21; // there is but one of the kind
+    static constexpr size_t kTo = 10;     // plus n: what the n-th argument points to
+    static constexpr size_t kThread = 20; // the thread has one
 
     struct Function {
-        const char* name;
-        const char* kind;
+        const char* taker;
         If takes;
-        size_t key;
+        size_t taken;
+        const char* giver;
+        size_t given;
     };
     static constexpr Function kFunctions[] = {
-        {"CreateFileW", "handle", If::Handle, kAnswer},
-        {"CreateMutexW", "handle", If::Handle, kAnswer},
-        {"CreateFileMappingW", "handle", If::Handle, kAnswer},
-        {"CloseHandle", "handle", If::Gives, 1},
-        {"MapViewOfFile", "view", If::Handle, kAnswer},
-        {"UnmapViewOfFile", "view", If::Gives, 1},
-        {"WaitForSingleObject", "lock", If::Zero, 1},
-        {"ReleaseMutex", "lock", If::Gives, 1},
-        {"AcquireSRWLockExclusive", "lock", If::Any, 1},
-        {"ReleaseSRWLockExclusive", "lock", If::Gives, 1},
-        {"EnterCriticalSection", "lock", If::Any, 1},
-        {"LeaveCriticalSection", "lock", If::Gives, 1},
-        {"InitializeCriticalSection", "critical section", If::Any, 1},
-        {"DeleteCriticalSection", "critical section", If::Gives, 1},
-        {"WSAStartup", "Winsock", If::Zero, kOne},
-        {"WSACleanup", "Winsock", If::Gives, kOne},
-        {"FindFirstFileW", "search", If::Handle, kAnswer},
-        {"FindClose", "search", If::Gives, 1},
-        {"RegCreateKeyExW", "registry key", If::Zero, kTo + 8},
-        {"RegCloseKey", "registry key", If::Gives, 1},
-        {"LoadLibraryW", "module", If::Handle, kAnswer},
-        {"FreeLibrary", "module", If::Gives, 1},
-        {"GetDC", "device context", If::Handle, kAnswer},
-        {"ReleaseDC", "device context", If::Gives, 2},
-        {"BeginPaint", "painting", If::Handle, 1},
-        {"EndPaint", "painting", If::Gives, 1},
-        {"CreateFontIndirectW", "font", If::Handle, kAnswer},
-        {"DeleteObject", "font", If::Gives, 1},
-        {"LoadImageW", "icon", If::Handle, kAnswer},
-        {"DestroyIcon", "icon", If::Gives, 1},
-        {"CreateDialogParamW", "window", If::Handle, kAnswer},
-        {"DestroyWindow", "window", If::Gives, 1},
-        {"SetTimer", "timer", If::Handle, 2},
-        {"KillTimer", "timer", If::Gives, 2},
-        {"SetWindowSubclass", "subclass", If::NotZero, 3},
-        {"RemoveWindowSubclass", "subclass", If::Gives, 3},
-        {"CoInitialize", "COM entry", If::NotNegative, kThread},
-        {"CoUninitialize", "COM entry", If::Gives, kThread},
-        {"CoCreateInstance", "reference", If::NotNegative, kTo + 5},
-        {"CreateStreamOnHGlobal", "reference", If::NotNegative, kTo + 3},
-        {"GetErrorInfo", "reference", If::NotNegative, kTo + 2},
-        {"parseError", "reference", If::NotNegative, kTo + 2},
-        {"createProcessor", "reference", If::NotNegative, kTo + 2},
-        {"SysAllocStringLen", "BSTR", If::Handle, kAnswer},
-        {"reason", "BSTR", If::NotNegative, kTo + 2},
-        {"description", "BSTR", If::NotNegative, kTo + 2},
-        {"SysFreeString", "BSTR", If::Gives, 1},
-        {"GlobalLock", "locked block", If::Handle, 1},
-        {"GlobalUnlock", "locked block", If::Gives, 1},
+        {"CreateFileW", If::NotNull, kAnswer, "CloseHandle", 1},
+        {"CreateMutexW", If::NotNull, kAnswer, "CloseHandle", 1},
+        {"CreateFileMappingW", If::NotNull, kAnswer, "CloseHandle", 1},
+        {"MapViewOfFile", If::NotNull, kAnswer, "UnmapViewOfFile", 1},
+        {"WaitForSingleObject", If::Zero, 1, "ReleaseMutex", 1},
+        {"AcquireSRWLockExclusive", If::Any, 1, "ReleaseSRWLockExclusive", 1},
+        {"EnterCriticalSection", If::Any, 1, "LeaveCriticalSection", 1},
+        {"InitializeCriticalSection", If::Any, 1, "DeleteCriticalSection", 1},
+        {"WSAStartup", If::Zero, kThread, "WSACleanup", kThread},
+        {"FindFirstFileW", If::NotNull, kAnswer, "FindClose", 1},
+        {"RegCreateKeyExW", If::Zero, kTo + 8, "RegCloseKey", 1},
+        {"LoadLibraryW", If::NotNull, kAnswer, "FreeLibrary", 1},
+        {"GetDC", If::NotNull, kAnswer, "ReleaseDC", 2},
+        {"BeginPaint", If::NotNull, 1, "EndPaint", 1},
+        {"CreateFontIndirectW", If::NotNull, kAnswer, "DeleteObject", 1},
+        {"LoadImageW", If::NotNull, kAnswer, "DestroyIcon", 1},
+        {"CreateDialogParamW", If::NotNull, kAnswer, "DestroyWindow", 1},
+        {"SetTimer", If::NotNull, 2, "KillTimer", 2},
+        {"SetWindowSubclass", If::NotNull, 3, "RemoveWindowSubclass", 3},
+        {"CoInitialize", If::NotNegative, kThread, "CoUninitialize", kThread},
+        {"CoCreateInstance", If::NotNegative, kTo + 5, "release", 1},
+        {"CreateStreamOnHGlobal", If::NotNegative, kTo + 3, "release", 1},
+        {"GetErrorInfo", If::NotNegative, kTo + 2, "release", 1},
+        {"parseError", If::NotNegative, kTo + 2, "release", 1},
+        {"createProcessor", If::NotNegative, kTo + 2, "release", 1},
+        {"query", If::NotNegative, kTo + 3, "release", 1},
+        {"addRef", If::Any, 1, "release", 1},
+        {"SysAllocStringLen", If::NotNull, kAnswer, "SysFreeString", 1},
+        {"reason", If::NotNegative, kTo + 2, "SysFreeString", 1},
+        {"description", If::NotNegative, kTo + 2, "SysFreeString", 1},
+        {"GlobalLock", If::NotNull, 1, "GlobalUnlock", 1},
     };
 
     static uint64_t Key(const void* pointer) { return reinterpret_cast<uint64_t>(pointer); }
@@ -218,23 +187,23 @@ private:
         faults += text;
     }
 
-    static void Take(std::string_view kind, std::string_view taker, uint64_t key, uint64_t value = 0) {
+    static void Take(std::string_view giver, std::string_view taker, uint64_t key, uint64_t value = 0) {
         const std::lock_guard lock(mutex);
-        held.push_back({kind, taker, key, value});
+        held.push_front({giver, taker, key, value});
     }
 
-    /// The entry's value.
-    static uint64_t Give(std::string_view kind, std::string_view giver, uint64_t key) {
+    /// The entry's value. `caller` gives back what is the giver's.
+    static uint64_t Give(std::string_view giver, std::string_view caller, uint64_t key) {
         const std::lock_guard lock(mutex);
-        const auto last = Find(kind, key);
-        if (last == held.rend()) {
+        const auto last = Find(giver, key);
+        if (last == held.end()) {
             if (key != 0) { // null is nothing
-                faults += "; " + std::string(giver) + ": not taken";
+                faults += "; " + std::string(caller) + ": not taken";
             }
             return 0;
         }
         const uint64_t value = last->value;
-        held.erase(last.base() - 1);
+        held.erase(last);
         return value;
     }
 
@@ -242,66 +211,64 @@ private:
     static void GiveDependent(std::string_view giver, uint64_t key) {
         const std::lock_guard lock(mutex);
         const size_t count = std::erase_if(held, [&](const Entry& entry) {
-            return (giver == "ReleaseDC" && entry.kind == "selection" && entry.key == key) ||
-                   (giver == "CoUninitialize" && entry.kind == "reference");
+            return (giver == "ReleaseDC" && entry.giver == "SelectObject" && entry.key == key) ||
+                   (giver == "CoUninitialize" && entry.giver == "release");
         });
         if (count != 0) {
             faults += "; " + std::string(giver) + ": too early";
         }
     }
 
-    static std::vector<Entry>::reverse_iterator Find(std::string_view kind, uint64_t key) {
-        return std::find_if(held.rbegin(), held.rend(),
-                            [&](const Entry& entry) { return entry.key == key && entry.kind == kind; });
+    static std::deque<Entry>::iterator Find(std::string_view giver, uint64_t key) {
+        return std::find_if(held.begin(), held.end(),
+                            [&](const Entry& entry) { return entry.key == key && entry.giver == giver; });
     }
 
     /// What is replaced for a time is taken when it changes first and given back when it is as before.
-    static void Replace(std::string_view kind, std::string_view taker, uint64_t key, uint64_t before,
-                        uint64_t now) {
+    static void Replace(std::string_view function, uint64_t key, uint64_t before, uint64_t now) {
         const std::lock_guard lock(mutex);
-        const auto last = Find(kind, key);
-        if (last == held.rend()) {
+        const auto last = Find(function, key);
+        if (last == held.end()) {
             if (before != now) {
-                held.push_back({kind, taker, key, before});
+                held.push_front({function, function, key, before});
             }
         } else if (last->value == now) {
-            held.erase(last.base() - 1);
+            held.erase(last);
         }
     }
 
-    /// The function passes any other integers and pointers on as it got them.
-    template<size_t index>
+    /// In the place of every function and method of the table. Passes any other integers and pointers on as
+    /// it got them.
     static int64_t Pass(int64_t a, int64_t b, int64_t c, int64_t d, int64_t e, int64_t f, int64_t g,
                         int64_t h, int64_t i) {
-        constexpr const Function& row = kFunctions[index];
+        const CallStub& stub = CallStub::Current();
+        const Function& row = *static_cast<const Function*>(stub.data);
         const int64_t arguments[] = {0, a, b, c, d, e, f, g, h, i};
-        const auto key = [&](int64_t answer) -> uint64_t {
-            return row.key == kThread   ? GetCurrentThreadId()
-                   : row.key == kOne    ? 1
-                   : row.key == kAnswer ? static_cast<uint64_t>(answer)
-                   : row.key < 10       ? static_cast<uint64_t>(arguments[row.key % 10])
-                                        : *reinterpret_cast<uint64_t*>(arguments[row.key % 10]);
+        const auto thing = [&](size_t which, int64_t answer) -> uint64_t {
+            return which == kThread   ? GetCurrentThreadId()
+                   : which == kAnswer ? static_cast<uint64_t>(answer)
+                   : which < kTo      ? static_cast<uint64_t>(arguments[which])
+                                      : *reinterpret_cast<uint64_t*>(arguments[which - kTo]);
         };
-        if (row.takes == If::Gives) {
-            Give(row.kind, row.name, key(0));
-            GiveDependent(row.name, key(0));
+        const bool gives = stub.name == row.giver;
+        if (gives) {
+            Give(row.giver, row.giver, thing(row.given, 0));
+            GiveDependent(row.giver, thing(row.given, 0));
         }
-        auto* function = reinterpret_cast<decltype(&Pass<index>)>(stubOf[index]->function);
-        const int64_t answer = function(a, b, c, d, e, f, g, h, i);
+        const int64_t answer = reinterpret_cast<decltype(&Pass)>(stub.function)(a, b, c, d, e, f, g, h, i);
         const auto low = static_cast<int32_t>(answer); // of which an answer of 32 bits consists
-        if (row.takes == If::Any || (row.takes == If::Handle && answer != 0 && answer != -1) ||
-            (row.takes == If::NotZero && low != 0) || (row.takes == If::Zero && low == 0) ||
-            (row.takes == If::NotNegative && low >= 0)) {
+        if (!gives && (row.takes == If::Any || (row.takes == If::NotNull && answer != 0 && answer != -1) ||
+                       (row.takes == If::Zero && low == 0) || (row.takes == If::NotNegative && low >= 0))) {
             const DWORD error = GetLastError();
-            if (row.name == std::string_view("CreateStreamOnHGlobal") && static_cast<BOOL>(b) == FALSE) {
+            if (stub.name == "CreateStreamOnHGlobal" && static_cast<BOOL>(b) == FALSE) {
                 AddFault("a stream that does not free its block");
             }
-            if (const uint64_t taken = key(answer); taken != 0) {
-                Take(row.kind, row.name, taken);
-                if (row.kind == std::string_view("reference")) {
+            if (const uint64_t taken = thing(row.taken, answer); taken != 0) {
+                Take(row.giver, row.taker, taken);
+                if (row.giver == std::string_view("release")) {
                     Watch(reinterpret_cast<void*>(taken));
                 }
-                if (row.name == std::string_view("GetErrorInfo")) {
+                if (stub.name == "GetErrorInfo") {
                     WatchMethod("description", reinterpret_cast<void*>(taken), 5);
                 }
             }
@@ -311,92 +278,54 @@ private:
     }
 
     template<class Type>
-    static Type* Original(const char* name, Type*) {
-        return reinterpret_cast<Type*>((*stubs)[name].function);
+    static Type* Original(Type*) {
+        return reinterpret_cast<Type*>(CallStub::Current().function);
     }
 
     static HGDIOBJ WINAPI Select(HDC dc, HGDIOBJ object) {
-        const HGDIOBJ before = Original("SelectObject", Select)(dc, object);
+        const HGDIOBJ before = Original(Select)(dc, object);
         if (before != nullptr) {
-            Replace("selection", "SelectObject", Key(dc), Key(before), Key(object));
+            Replace("SelectObject", Key(dc), Key(before), Key(object));
         }
         return before;
     }
 
     static BOOL WINAPI SetErrorMode(DWORD mode, DWORD* old) {
+        auto* const original = Original(SetErrorMode);
         const DWORD before = GetThreadErrorMode();
-        const BOOL isSet = Original("SetThreadErrorMode", SetErrorMode)(mode, old);
-        Replace("error mode", "SetThreadErrorMode", GetCurrentThreadId(), before, GetThreadErrorMode());
+        const BOOL isSet = original(mode, old);
+        Replace("SetThreadErrorMode", GetCurrentThreadId(), before, GetThreadErrorMode());
         return isSet;
     }
 
     static HRESULT WINAPI Clear(VARIANT* value) {
-        if (value->vt == VT_BSTR) {
-            Give("BSTR", "VariantClear", Key(value->bstrVal));
-        } else if (value->vt == VT_UNKNOWN) {
-            Give("reference", "VariantClear", Key(value->punkVal));
-        }
-        return Original("VariantClear", Clear)(value);
-    }
-
-    /// The method whose place a stub has taken: the stub's address stands in its code.
-    template<class Type>
-    static Type* Original(IUnknown* object, size_t method, Type*) {
-        const CallStub* stub = nullptr;
-        std::memcpy(&stub, (*reinterpret_cast<char***>(object))[method] + 2, sizeof stub);
-        return reinterpret_cast<Type*>(stub->function);
-    }
-
-    static HRESULT WINAPI Query(IUnknown* object, const IID& id, void** result) {
-        const HRESULT answer = Original(object, 0, Query)(object, id, result);
-        if (SUCCEEDED(answer) && *result != nullptr) {
-            Take("reference", "query", Key(*result));
-            Watch(*result);
-        }
-        return answer;
-    }
-
-    static ULONG WINAPI AddRef(IUnknown* object) {
-        Take("reference", "addRef", Key(object));
-        return Original(object, 1, AddRef)(object);
-    }
-
-    static ULONG WINAPI Release(IUnknown* object) {
-        Give("reference", "release", Key(object));
-        return Original(object, 2, Release)(object);
-    }
-
-    template<size_t... indices>
-    static void* Passing(size_t index, std::index_sequence<indices...>) {
-        void* const functions[] = {reinterpret_cast<void*>(Pass<indices>)...};
-        return functions[index];
-    }
-
-    static void Wrap(CallStub& stub, void* wrapper) {
-        stub.target = stub.target == stub.function ? wrapper : stub.target;
+        auto* const original = Original(Clear);
+        // The plug-in has no other kinds. Both lie in one place.
+        Give(value->vt == VT_BSTR ? "SysFreeString" : "release", "VariantClear", Key(value->punkVal));
+        return original(value);
     }
 
     static void Adopt(CallStub& stub) {
         const std::pair<const char*, void*> others[] = {
             {"malloc", reinterpret_cast<void*>(Heap::Take)},
             {"calloc", reinterpret_cast<void*>(Heap::TakeZeroed)},
-            {"realloc", reinterpret_cast<void*>(Heap::TakeAgain)},
             {"free", reinterpret_cast<void*>(Heap::Give)},
             {"SelectObject", reinterpret_cast<void*>(Select)},
             {"SetThreadErrorMode", reinterpret_cast<void*>(SetErrorMode)},
             {"VariantClear", reinterpret_cast<void*>(Clear)},
         };
-        for (const auto& [name, wrapper] : others) {
-            if (stub.name == name) {
-                Wrap(stub, wrapper);
+        void* wrapper = stub.function;
+        for (const auto& [name, function] : others) {
+            wrapper = stub.name == name ? function : wrapper;
+        }
+        const std::string name = stub.name.substr(0, stub.name.find(' ')); // "query", of whatever object
+        for (const Function& row : kFunctions) {
+            if (name == row.taker || name == row.giver) {
+                stub.data = &row;
+                wrapper = reinterpret_cast<void*>(Pass);
             }
         }
-        for (size_t index = 0; index < std::size(kFunctions); ++index) {
-            if (stub.name == kFunctions[index].name) {
-                stubOf[index] = &stub;
-                Wrap(stub, Passing(index, std::make_index_sequence<std::size(kFunctions)>()));
-            }
-        }
+        stub.target = stub.target == stub.function ? wrapper : stub.target;
     }
 
     /// What the system tells of a module that it has loaded or is about to unload.
@@ -421,11 +350,10 @@ private:
     }
 
     inline static CallStubs* const stubs = new CallStubs; // replaced pointers lead to them until the end
-    inline static CallStub* stubOf[std::size(kFunctions)] = {};
     inline static std::wstring& library = *new std::wstring;
     inline static HMODULE module = nullptr;
     inline static std::mutex& mutex = *new std::mutex;
-    inline static std::vector<Entry>& held = *new std::vector<Entry>;
+    inline static std::deque<Entry>& held = *new std::deque<Entry>; // the newest first
     inline static std::string& faults = *new std::string;
 };
 

@@ -12,7 +12,8 @@
 // place of a function pointer, in the import table of a library or in the method table of a COM object.
 
 /// One function pointer's stub: counts the calls and passes them on to `target`, all but one, which returns
-/// `failure`. The machine code knows the fields by their offsets.
+/// `failure`. The machine code knows the fields by their offsets, and leaves the stub's address in the thread
+/// information block, whose field ArbitraryUserPointer serves such uses.
 struct CallStub {
     uint64_t calls = 0;                // at 0
     uint64_t failing = UINT64_MAX;     // at 8: the number of the call, counting from 0
@@ -23,7 +24,13 @@ struct CallStub {
     uint64_t callersSize = UINT64_MAX; // at 48:   and not counted
     void* function = nullptr;          // at 56: whose place the stub has taken
     std::string name;
-    uint8_t* code = nullptr; // what stands in the function's place
+    void* code = nullptr;       // what stands in the function's place
+    const void* data = nullptr; // for the target
+
+    /// The stub through which the running function was called; to be asked before any other call.
+    static CallStub& Current() {
+        return *static_cast<CallStub*>(reinterpret_cast<NT_TIB*>(NtCurrentTeb())->ArbitraryUserPointer);
+    }
 
     /// The call of that number fails, counting from 1, or none for 0.
     void FailAt(uint64_t call, int64_t answer, DWORD error) {
@@ -101,33 +108,28 @@ private:
         CallStub& stub = m_stubs.emplace_back();
         const CallStub* const address = &stub;
         // Only registers that a call may change; the stack stays as it is for the function passed on to.
-        uint8_t code[] = {
-            0x49, 0xBB, 0,    0,    0,    0, 0, 0, 0, 0, // mov r11, stub
-            0x48, 0x8B, 0x04, 0x24,                      // mov rax, [rsp], where the call came from
-            0x49, 0x2B, 0x43, 40,                        // sub rax, [r11 + 40]
-            0x49, 0x3B, 0x43, 48,                        // cmp rax, [r11 + 48]
-            0x72, 4,                                     // jb inside
-            0x41, 0xFF, 0x63, 56,                        // jmp [r11 + 56]
-            0xB8, 1,    0,    0,    0,                   // inside: mov eax, 1
-            0xF0, 0x49, 0x0F, 0xC1, 0x03,                // lock xadd [r11], rax
-            0x49, 0x3B, 0x43, 8,                         // cmp rax, [r11 + 8]
-            0x74, 4,                                     // je fail
-            0x41, 0xFF, 0x63, 16,                        // jmp [r11 + 16]
-            0x41, 0x8B, 0x43, 32,                        // fail: mov eax, [r11 + 32]
-            0x65, 0x89, 0x04, 0x25, 0x68, 0, 0, 0,       // mov gs:[0x68], eax, the thread's last error
-            0x49, 0x8B, 0x43, 24,                        // mov rax, [r11 + 24]
-            0xC3};                                       // ret
+        uint8_t code[] = {0x49, 0xBB, 0, 0, 0, 0, 0, 0, 0, 0, // mov r11, stub
+                          0x48, 0x8B, 0x04, 0x24,             // mov rax, [rsp], where the call came from
+                          0x49, 0x2B, 0x43, 40,               // sub rax, [r11 + 40]
+                          0x49, 0x3B, 0x43, 48,               // cmp rax, [r11 + 48]
+                          0x72, 4,                            // jb inside
+                          0x41, 0xFF, 0x63, 56,               // jmp [r11 + 56]
+                          // inside:
+                          0x65, 0x4C, 0x89, 0x1C, 0x25, 0x28, 0, 0, 0, // mov gs:[0x28], r11
+                          0xB8, 1, 0, 0, 0,                            // mov eax, 1
+                          0xF0, 0x49, 0x0F, 0xC1, 0x03,                // lock xadd [r11], rax
+                          0x49, 0x3B, 0x43, 8,                         // cmp rax, [r11 + 8]
+                          0x74, 4,                                     // je fail
+                          0x41, 0xFF, 0x63, 16,                        // jmp [r11 + 16]
+                          0x41, 0x8B, 0x43, 32,                        // fail: mov eax, [r11 + 32]
+                          0x65, 0x89, 0x04, 0x25, 0x68, 0, 0,
+                          0,                    // mov gs:[0x68], eax, the thread's last error
+                          0x49, 0x8B, 0x43, 24, // mov rax, [r11 + 24]
+                          0xC3};                // ret
         std::memcpy(code + 2, &address, sizeof address);
-        if (m_room < sizeof code) {
-            m_room = 0x10000;
-            m_code = static_cast<uint8_t*>(
-                VirtualAlloc(nullptr, m_room, MEM_RESERVE | MEM_COMMIT, PAGE_EXECUTE_READWRITE));
-        }
-        std::memcpy(m_code, code, sizeof code);
         stub.name = name;
-        stub.code = m_code;
-        m_code += sizeof code;
-        m_room -= sizeof code;
+        stub.code = VirtualAlloc(nullptr, sizeof code, MEM_RESERVE | MEM_COMMIT, PAGE_EXECUTE_READWRITE);
+        std::memcpy(stub.code, code, sizeof code);
         return stub;
     }
 
@@ -144,6 +146,4 @@ private:
     }
 
     std::deque<CallStub> m_stubs; // stay where they are
-    uint8_t* m_code = nullptr;
-    size_t m_room = 0;
 };

@@ -11,9 +11,9 @@ protected:
     ConversionTest() {
         WriteTestFile(source, "source");
         WriteTestFile(converted, "converted");
-        SetTimes(source, {2024, 3, 4, 7, 13, 5, 8, 0});
-        SetTimes(converted, {1999, 12, 5, 31, 23, 59, 58, 0});
-        decoders.ExpectContext(plugin.Instance());
+        SetTimes(source, {2024, 3, 4, 7, 12, 5, 8, 0});
+        SetTimes(converted, {1999, 12, 5, 31, 21, 59, 58, 0});
+        decoders.context = plugin.Instance();
         library.decodes = {L".tst", L".OUT", L".wav"};
         library.audioInfo.format.wFormatTag = 1;
         library.audioInfo.format.nChannels = 2;
@@ -32,20 +32,17 @@ protected:
         sourceInfo.fileSize = INT64_MAX;
     }
 
-    /// To even seconds, which exFAT keeps as well.
-    static void SetTimes(const std::wstring& path, const SYSTEMTIME& written) {
+    /// Sets the time of creation, that of the last change an hour later, and that of the last access one more
+    /// hour later. To even seconds, which exFAT keeps as well.
+    static void SetTimes(const std::wstring& path, SYSTEMTIME created) {
         const OwnedFile file(CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING,
                                          FILE_ATTRIBUTE_NORMAL, nullptr));
-        FILETIME time = {};
-        SystemTimeToFileTime(&written, &time);
-        const auto later = [time](int64_t hours) {
-            ULARGE_INTEGER ticks = {{time.dwLowDateTime, time.dwHighDateTime}};
-            ticks.QuadPart += static_cast<uint64_t>(hours * 36'000'000'000);
-            return FILETIME{ticks.LowPart, ticks.HighPart};
-        };
-        const FILETIME created = later(-1);
-        const FILETIME accessed = later(1);
-        EXPECT_TRUE(SetFileTime(file.Get(), &created, &accessed, &time));
+        FILETIME times[3] = {};
+        for (FILETIME& time : times) {
+            SystemTimeToFileTime(&created, &time);
+            ++created.wHour;
+        }
+        EXPECT_TRUE(SetFileTime(file.Get(), &times[0], &times[2], &times[1]));
     }
 
     AfterConversionInfo Info() {

@@ -38,12 +38,9 @@ public:
 
     FixtureBehaviour& Of(const std::wstring& name) {
         FixtureBehaviour& behaviour = m_behaviours[name];
-        behaviour.context = m_context;
+        behaviour.context = context;
         return behaviour;
     }
-
-    /// The context that every library's Create must get from now on.
-    void ExpectContext(const void* context) { m_context = context; }
 
     /// The calls of the libraries since this was last asked, each as "name: call".
     std::vector<std::wstring> Calls() { return std::exchange(m_calls, {}); }
@@ -76,12 +73,6 @@ public:
         return text;
     }
 
-    static void Store(const wchar_t* extension, const std::wstring& value, DWORD type, DWORD bytesLess) {
-        EXPECT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, kCacheKey, extension, type, value.data(),
-                                  static_cast<DWORD>(value.size() * sizeof(wchar_t)) - bytesLess),
-                  ERROR_SUCCESS);
-    }
-
     void Record(const wchar_t* name, const wchar_t* call) {
         m_calls.push_back(std::wstring(name) + L": " + call);
         onCall(m_calls.back());
@@ -89,6 +80,9 @@ public:
 
     /// Called during each call with its text, such as "lib.dll: Open2 8".
     std::function<void(const std::wstring& call)> onCall = [](const std::wstring&) {};
+
+    /// What every library's Create must get.
+    const void* context = nullptr;
 
     inline static Decoders* current = nullptr;
 
@@ -98,5 +92,4 @@ private:
     PrivateRegistry m_registry;
     std::map<std::wstring, FixtureBehaviour> m_behaviours;
     std::vector<std::wstring> m_calls;
-    const void* m_context = nullptr;
 };

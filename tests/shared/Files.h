@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cwchar>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -31,24 +31,15 @@ public:
 
     std::wstring Path(const std::wstring& name) const { return m_folder + L"\\" + name; }
 
-    /// Deletes a folder, given as a whole path, and everything below it.
+    /// Deletes a folder and everything below it.
     static void Remove(const std::wstring& folder) {
-        const std::wstring base = (folder.starts_with(L"\\\\") ? L"" : L"\\\\?\\") + folder; // of any length
-        WIN32_FIND_DATAW found;
-        OwnedFind search(FindFirstFileW((base + L"\\*").c_str(), &found));
-        for (bool more = search.IsValid(); more; more = FindNextFileW(search.Get(), &found)) {
-            const std::wstring path = base + L"\\" + found.cFileName;
-            if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-                // On Windows a virus scanner may keep a new file open.
-                for (int i = RunsUnderWine() ? 99 : 0; !DeleteFileW(path.c_str()) && i < 99; ++i) {
-                    Sleep(20);
-                }
-            } else if (std::wcscmp(found.cFileName, L".") != 0 && std::wcscmp(found.cFileName, L"..") != 0) {
-                Remove(path);
-            }
+        // On Windows a virus scanner may keep a new file open.
+        const int tries = RunsUnderWine() ? 1 : 99;
+        for (int i = 0; i < tries && std::filesystem::exists(folder); ++i) {
+            std::error_code error;
+            std::filesystem::remove_all(folder, error);
+            Sleep(error ? 20 : 0);
         }
-        search.Reset();
-        RemoveDirectoryW(base.c_str());
     }
 
 private:

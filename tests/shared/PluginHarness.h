@@ -16,8 +16,6 @@ public:
 
     LoadedPlugin() : m_module(LoadLibraryW(kPath)) { EXPECT_TRUE(m_module.IsValid()) << GetLastError(); }
 
-    HMODULE Module() const { return m_module.Get(); }
-
 private:
     OwnedModule m_module;
 };

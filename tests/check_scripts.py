@@ -18,8 +18,6 @@ def main():
             (1, "none.md: there is no such file", ["scripts/pages.py", "check", page]),
             (1, "3 links and pictures, 2 wrong", ["scripts/pages.py", "check", page]),
             (2, "there is no file none.md", ["scripts/pages.py", "check", "none.md"]),
-            (2, "check_sheets.py WORK", ["tests/stylesheets/check_sheets.py"]),
-            (2, "check_spreadsheet.py WORK", ["tests/stylesheets/check_spreadsheet.py"]),
             (0, "Needs ImageMagick", ["resources/make-icon.sh", "--help"]),
             (2, "Needs ImageMagick", ["resources/make-icon.sh", "x"])):
         made = subprocess.run(command, cwd=ROOT, capture_output=True, encoding="utf-8", timeout=60)

@@ -12,7 +12,8 @@ LONG = [("LYRICS", LYRICS), ("WINDOWS", "text\r\n\r\n" * 5000 + "\r\n" * 5000), 
 NAMES = [("TIT2", "Song"), ("tracknumber", "3/12"), ("ALBUM ARTIST", 'Various, "all"'),
          ("AlbumArtist", "Ann"), ("Album_Artist", "Cy"), ("DISC/NO", "1"), ("discnumber", "2"), ("YEAR", "1999"),
          ("COMMENT", "ripped with care\r\n"), ("EMPTY IN THE MIDDLE", "one\r\rthree\r\n\r\n"),
-         *(("N" * width, "x") for width in (36, 37, 38))]
+         *(("N" * width, "x") for width in (36, 37, 38)), ("HALVED", "a\rand the rest of it, to its very end"),
+         ("ESCAPED", '"and the rest of it, to its very end')]
 
 
 def entry_line(name, value):
@@ -42,13 +43,17 @@ def samples():
             values = iter(values)
             document = re.sub(f"(?<=<{fact}>)[^<]*", lambda _: str(next(values)), document)
         return document
+    new = speech.replace("</FileAccessed>", "</FileAccessed><FileMood>calm, mild</FileMood>").replace(
+        "</Channels>", "</Channels><Layout>5</Layout>")  # facts that the style sheets do not know
     unknown = {"Channels": (0, 0), "SamplesPerSec": (0, 0), "BitsPerSample": (0, 0), "AvgBytesPerSec": (1, 1)}
-    return {"speech": speech, "nasty": nasty,
-            "noformat": with_numbers(bare, **unknown, FileLength=(1428, 0), FileBitrate=(100000, 0)),
-            "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
-                                       FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
-            "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
-            "long": "".join([head, *(entry_line(*tag) for tag in LONG), "\t\t</IDTags>", tail]),
-            "names": with_numbers("".join([head, *(entry_line(*tag) for tag in NAMES), "\t\t</IDTags>", tail]),
-                                  FileSize=(999999999999999, 9007199254740993)).replace(">.flac<", ">.<"),
-            "lines": lines}
+    made = {
+        "noformat": with_numbers(bare, **unknown, FileLength=(1428, 0), FileBitrate=(100000, 0)),
+        "partformat": with_numbers(speech, Channels=(0, 1), SamplesPerSec=(0, 8000), BitsPerSample=(0, 0),
+                                   FileLength=(3723004, 10 ** 9), FileBitrate=(99999, 1)),
+        "nosource": nosource.replace("D:\\Music\\", "Abend im Hafen.flac"),  # a name without a folder
+        "long": "".join([head, *(entry_line(*tag) for tag in LONG), "\t\t</IDTags>", tail]),
+        "names": with_numbers("".join([head, *(entry_line(*tag) for tag in NAMES), "\t\t</IDTags>", tail]),
+                              FileSize=(999999999999999, 9007199254740993)).replace(">.flac<", ">.<"),
+        "lines": lines, "new": new}
+    in_folders = {name: text.replace("D:\\Music", f"D:\\{name}") for name, text in made.items()}
+    return {"speech": speech, "nasty": nasty, **in_folders}

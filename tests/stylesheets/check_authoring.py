@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
-from documents import samples, with_line_ends
+from documents import samples, with_line_ends, with_tags
 from results import ROOT, Results, page_example, run, shown, transformed
 
 PAGE = "style-sheets.md"
@@ -21,8 +21,7 @@ EMPTY = """<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/T
 
 def script(folder, *arguments):
     """What Transform.js prints, and its exit code."""
-    made = run(ROOT / "cmake" / "run-under-wine.sh", "cscript", "//nologo", "Transform.js", *arguments,
-               cwd=folder)
+    made = run(ROOT / "cmake" / "run-under-wine.sh", "cscript", "//nologo", "Transform.js", *arguments, cwd=folder)
     return made.stdout.decode(errors="replace").replace("\r\n", "\n"), made.returncode
 
 
@@ -36,9 +35,8 @@ def same_page(text):
 
 
 def check_example(results, folder):
-    speech, tags = samples()["speech"], page_example(PAGE, ">Front centre<")
-    head, _ = speech.rsplit("\t\t<IDTags>", 1)
-    document = f"{head}{tags}\t</ConvertedFile>\n</AudioMetadata>\n"
+    tags = page_example(PAGE, ">Front centre<").removeprefix("<IDTags>\n").removesuffix("</IDTags>\n")
+    document = with_tags(samples()["noformat"], tags)
     (folder / "song.xml").write_bytes(with_line_ends(document, "\r\n"))
     shutil.copytree(ROOT / "XSLT", folder, dirs_exist_ok=True)
     want = page_example(PAGE, "| TITLE | Front")
@@ -57,25 +55,25 @@ def check_script(results, folder):
     (folder / "none").mkdir()
     before = contents(folder)
     usage = "Expected: DOCUMENT STYLESHEET OUTPUT"
-    for label, arguments, wants in (
-            ("a broken document", ("broken.xml", "Markdown.xslt", "none.txt"), [r"\broken.xml: "]),
-            ("a foreign document", ("other.xml", "Markdown.xslt", "none.txt"), [r"\other.xml: expected a document"]),
-            ("a name from HTML", ("song.xml", "entity.xslt", "none.txt"), [r"\entity.xslt: "]),
-            ("a missing style sheet", ("song.xml", "no.xslt", "none.txt"), [r"\no.xslt: there is no such", usage]),
-            ("a missing document", ("no.xml", "Markdown.xslt", "none.txt"), [r"\no.xml: there is no such", usage]),
-            ("a document for a style sheet", ("song.xml", "song.xml", "none.txt"), ["expected a style sheet", usage]),
-            ("two arguments", ("song.xml", "Markdown.xslt"), [usage]),
-            ("an empty result", ("song.xml", "empty.xslt", "none.txt"), [r"\song.xml: the result is empty"]),
-            ("the document's place", ("song.xml", "Markdown.xslt", "SONG.xml"), ["would replace"]),
-            ("the style sheet's place", ("song.xml", "Markdown.xslt", "Markdown.xslt"), ["would replace"]),
-            ("a recording's place", ("song.xml", "Markdown.xslt", "none.FLAC"), ["would replace"]),
-            ("documents' places", (".", "Markdown.xslt", ".xml"), ["expected an extension", usage]),
-            ("recordings' places", (".", "Markdown.xslt", ".flac"), ["song.flac: this would replace", "0 written"]),
-            ("a folder and a file", (".", "Markdown.xslt", "none.txt"), ["expected an extension", usage]),
-            ("a folder without documents", ("none", "Markdown.xslt", ".txt"), ["0 written, 0 failed"])):
+    for arguments, wants in (
+            (("broken.xml", "Markdown.xslt", "none.txt"), [r"\broken.xml: "]),
+            (("other.xml", "Markdown.xslt", "none.txt"), [r"\other.xml: expected a document"]),
+            (("song.xml", "entity.xslt", "none.txt"), [r"\entity.xslt: "]),
+            (("song.xml", "no.xslt", "none.txt"), [r"\no.xslt: there is no such", usage]),
+            (("no.xml", "Markdown.xslt", "none.txt"), [r"\no.xml: there is no such", usage]),
+            (("song.xml", "song.xml", "none.txt"), ["expected a style sheet", usage]),
+            (("song.xml", "Markdown.xslt"), [usage]),
+            (("song.xml", "empty.xslt", "none.txt"), [r"\song.xml: the result is empty"]),
+            (("song.xml", "Markdown.xslt", "SONG.xml"), ["would replace"]),
+            (("song.xml", "Markdown.xslt", "Markdown.xslt"), ["would replace"]),
+            (("song.xml", "Markdown.xslt", "none.FLAC"), ["would replace"]),
+            ((".", "Markdown.xslt", ".xml"), ["expected an extension", usage]),
+            ((".", "Markdown.xslt", ".flac"), ["song.flac: this would replace", "0 written"]),
+            ((".", "Markdown.xslt", "none.txt"), ["expected an extension", usage]),
+            (("none", "Markdown.xslt", ".txt"), ["0 written, 0 failed"])):
         printed, status = script(folder, *arguments)
         missing = [want for want in wants if want not in printed]
-        results.equal(f"the script and {label}", (status, missing, contents(folder) == before), (1, [], True))
+        results.equal(f"the script with {arguments}", (status, missing, contents(folder) == before), (1, [], True))
 
 
 def contents(folder):
@@ -107,8 +105,7 @@ def check_folders(results, folder):
     for page in pages:
         page.unlink()
     shutil.copytree(ROOT / "XSLT", folder / "XSLT")
-    shown_line = shown(PAGE, "find .*xsltproc .*")
-    made = run("env", f"HOME={folder}", "bash", "-c", shown_line, cwd=music)
+    made = run("env", f"HOME={folder}", "bash", "-c", shown(PAGE, "find .*xsltproc .*"), cwd=music)
     results.equal("a folder by find names what is broken", b"broken.xml:1: parser error" in made.stderr, True)
     results.equal("pages by find", (music / "a song.html").read_text("utf-8"), want)
 

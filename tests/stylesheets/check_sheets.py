@@ -20,7 +20,7 @@ import wave
 from pathlib import Path
 
 sys.dont_write_bytecode = True  # leave nothing beside the sources
-from documents import LONG, entry_line, samples, with_line_ends
+from documents import LONG, entry_line, samples, with_line_ends, with_tags
 from results import ROOT, Results, folders_of, page_example, run, shown, transformed
 from schema import check_schema
 
@@ -141,8 +141,7 @@ def check_seen(results, produced, seen):
 def check_growth(results):
     """Of many entries whose names alternate, few ask the key for all of their name, by xsltproc's count of calls, but
     some in every block: only within a small one are all entries compared."""
-    tags = "".join(entry_line(f"TURN {i % 3}", f"{i}") for i in range(6000))
-    document = samples()["speech"].replace("</IDTags>\n\t</ConvertedFile>", f"{tags}</IDTags>\n\t</ConvertedFile>")
+    document = with_tags(samples()["speech"], "".join(entry_line(f"TURN {i % 3}", f"{i}") for i in range(6000)))
     made = run("xsltproc", "--profile", ROOT / "XSLT" / "Json.xslt", "-", stdin=document.encode()).stderr.decode()
     calls = re.search(r"(?m)^ *\d+ +\* +group +(\d+)", made)
     results.equal("few entries ask the key", 300 < int(calls[1]) < 1500, True)

@@ -1,7 +1,6 @@
-// Settings texts and the paths in them.
+// Settings texts.
 
 #include "plugin/ParseOptions.h"
-#include "support/Paths.h"
 #include "tests/fuzz/Require.h"
 #include "tests/shared/Wide.h"
 
@@ -21,17 +20,6 @@ Pairs Read(const std::wstring& text) {
     return pairs;
 }
 
-void CheckPaths(const XString& path) {
-    const std::wstring whole = Wide(path);
-    const std::wstring name = Wide(GetFileName(path));
-    const std::wstring nameNoExt = Wide(GetFileNameNoExt(path));
-    const bool hasFolder = whole.find(L'\\') != std::wstring::npos;
-    Require(Wide(GetFilePath(path)) + (hasFolder ? name : L"") == whole, "folder and name");
-    const std::wstring ext = Wide(GetFileExt(path));
-    const bool hasExt = name.find(L'.') != std::wstring::npos;
-    Require(hasExt ? nameNoExt + ext == name : nameNoExt == name && ext == L".", "name and extension");
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -41,7 +29,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(!name.empty() && text.find(L'-' + name) != text.npos, "a name");
         Require(text.find(value) != text.npos, "a value");
     }
-    CheckPaths(XString(text.c_str()));
 
     // What the panel writes is read back.
     std::erase(text, L'"');

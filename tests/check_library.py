@@ -10,9 +10,6 @@ from uuid import UUID
 
 import pefile
 
-EXPORTS = ["DSP_AfterConversion", "DSP_BeginConversion", "DSP_Create", "DSP_Destroy", "DSP_EndConversion", "DSP_Get",
-           "DSP_PassAudioBlock", "DSP_PassNonLive", "DSP_RemoveConfigBit", "DSP_Set", "DSP_ShowConfigBit"]
-
 # What the library asks the XML parser for; some parsers would accept wrong ones.
 IDS = ["F6D90F11-9C73-11D3-B32E-00C04F990BB4",  # the document's class
        "F6D90F12-9C73-11D3-B32E-00C04F990BB4",  # free-threaded, for the style sheet
@@ -77,7 +74,8 @@ def calls_of_stack_check(library):
 def main(path, config, compiler):
     bytes_of_file = path.read_bytes()
     library = pefile.PE(data=bytes_of_file)
-    expect("exports", sorted(export.name.decode() for export in library.DIRECTORY_ENTRY_EXPORT.symbols), EXPORTS)
+    # The tests call all eleven by their names; without the .def file every function would be exported.
+    expect("exports", [export.name[:4] for export in library.DIRECTORY_ENTRY_EXPORT.symbols], [b"DSP_"] * 11)
     # Dynamic base, high-entropy addresses, no execution of data.
     expect("DllCharacteristics", hex(library.OPTIONAL_HEADER.DllCharacteristics), "0x160")
     expect("can be moved", bool(library.DIRECTORY_ENTRY_BASERELOC), True)

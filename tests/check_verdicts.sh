@@ -50,3 +50,17 @@ fails_with 'cmake clang-format cppcheck clang-tidy' scripts/check.sh
 fails_with 'test.sh check-package.sh fuzz.sh check.sh' ci/.ci/run
 ! FAILING=nothing PATH=$work/bin:$PATH "$work/scripts/test.sh" -R none >"$work/log" 2>&1 ||
     fail "test.sh succeeds without a test"
+
+# Broken links are named, each with its fault.
+cd "$work"
+printf '# Title\n\n[here](#title) [nowhere](#nowhere) [no file](none.md)\n' >page.md
+status=0
+"$root/scripts/pages.py" check page.md >log 2>&1 || status=$?
+"$root/scripts/pages.py" check none.md >>log 2>&1 || status=$status$?
+diff - <(echo "status $status" && sed "s,$work/,," log) <<'END' || fail "pages.py finds other links"
+status 12
+page.md: #nowhere: there is no such heading in the pages given
+page.md: none.md: there is no such file
+1 pages, 3 links and pictures, 2 wrong
+there is no file none.md
+END

@@ -81,6 +81,6 @@ private:
     inline static const std::string kCannotFail =
         " addRef CloseHandle CoUninitialize DeleteObject DestroyIcon DestroyWindow EndPaint "
         "EnterCriticalSection FindClose free FreeLibrary GlobalUnlock KillTimer LeaveCriticalSection "
-        "memcpy memmove memset RegCloseKey release ReleaseDC ReleaseMutex ShowWindow SysFreeString "
+        "memcpy memmove memset RegCloseKey release ReleaseDC ReleaseMutex ShowWindow strlen SysFreeString "
         "VariantClear ";
 };

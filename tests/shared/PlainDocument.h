@@ -18,10 +18,11 @@ struct PlainEntry {
 };
 using PlainList = std::vector<PlainEntry>;
 
+/// A file that does not exist, whose tags are its properties as well.
 struct PlainFile {
-    std::wstring name, nameNoExt, ext, path;
+    std::wstring name;
     AudioInfo info = {};
-    PlainList properties, idTags;
+    PlainList entries;
 };
 
 inline PlainList ReadPlainly(const uint8_t* data, int64_t size) {
@@ -102,17 +103,17 @@ inline std::string PlainUtf8(const std::wstring& text) {
     return bytes;
 }
 
-inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& converted,
-                                  const std::wstring& lineEnd) {
+/// The document with the file as its source and as the converted one.
+inline std::wstring PlainDocument(const PlainFile& file, const std::wstring& lineEnd) {
     std::wstring document;
     const auto line = [&](const std::wstring& text) { document += text + lineEnd; };
-    const auto number = [&](const std::wstring& open, const std::wstring& element, int64_t value) {
-        const std::string digits = std::to_string(value);
-        line(open + L"<" + element + L">" + std::wstring(digits.begin(), digits.end()) + L"</" + element +
-             L">");
-    };
     const auto fact = [&](const std::wstring& element, const std::wstring& text) {
         line(L"\t\t<" + element + L">" + Escaped(text) + L"</" + element + L">");
+    };
+    const auto number = [&](const wchar_t* tabs, const std::wstring& element, int64_t value) {
+        const std::string digits = std::to_string(value);
+        line(tabs + (L"<" + element + L">") + std::wstring(digits.begin(), digits.end()) + L"</" + element +
+             L">");
     };
     const auto entryLine = [&](const std::wstring& name, const std::wstring& text) {
         const std::wstring element = ElementName(name);
@@ -122,21 +123,20 @@ inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& conv
     line(L"<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
     line(L"<AudioMetadata>");
     for (const bool isSource : {true, false}) {
-        const PlainFile& file = isSource ? source : converted;
         const AudioFormat& format = file.info.format;
         line(isSource ? L"\t<SourceFile>" : L"\t<ConvertedFile>");
         fact(L"FileName", file.name);
-        fact(L"FileNameNoExt", file.nameNoExt);
-        fact(L"FileNameExt", file.ext);
-        fact(L"FileNamePath", file.path);
+        fact(L"FileNameNoExt", L"");
+        fact(L"FileNameExt", L"");
+        fact(L"FileNamePath", L"");
         number(L"\t\t", L"FileSize", file.info.fileSize);
         number(L"\t\t", L"FileLength", file.info.length);
         number(L"\t\t", L"FileBitrate", file.info.bitrate);
-        fact(L"FileCreated", L""); // the file does not exist
+        fact(L"FileCreated", L"");
         fact(L"FileModified", L"");
         fact(L"FileAccessed", L"");
         line(L"\t\t<AudioProperties>");
-        for (const PlainEntry& entry : file.properties) {
+        for (const PlainEntry& entry : file.entries) {
             const std::wstring element = ElementName(entry.name);
             if (entry.rawSize == 0 && element.substr(0, 1) != L"_" && (!element.empty() || !isSource)) {
                 entryLine(entry.name, entry.value);
@@ -150,7 +150,7 @@ inline std::wstring PlainDocument(const PlainFile& source, const PlainFile& conv
         number(L"\t\t\t", L"AvgBytesPerSec", static_cast<int32_t>(ByteRate(format)));
         line(L"\t\t</AudioFormat>");
         line(L"\t\t<IDTags>");
-        for (const PlainEntry& entry : file.idTags) {
+        for (const PlainEntry& entry : file.entries) {
             for (size_t at = 0; entry.rawSize == 0 && !entry.value.empty() && at <= entry.value.size();) {
                 const size_t end = std::min(entry.value.find(L'\r', at), entry.value.size());
                 entryLine(entry.name, entry.value.substr(at, end - at));

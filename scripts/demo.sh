@@ -83,7 +83,7 @@ transform "$build" "$wav" "$converted" >/dev/null # all forms of the last one
 printf '\n%s\n\n' "$document"
 tr -d '\r' <"$document"
 
-printf '\nReading back what the style sheets made of it, with xsltproc, Python, metaflac, ffmpeg, jq and SQLite:\n'
+printf '\nReading back what the style sheets made of it, with xsltproc, metaflac, ffmpeg, jq and SQLite:\n'
 name=$(basename "${document%.xml}")
 produced=$root/build/demo-check/produced
 rm -rf "$produced"

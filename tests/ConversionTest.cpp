@@ -115,7 +115,7 @@ TEST_F(Conversion, OtherConversionsDifferAsExpected) {
         info.destFileName = converted.c_str();
     };
     constexpr DWORD kReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
-    const std::wstring named = L"-filename=\"" + folder + L"named file.html\"";
+    const std::wstring named = L"-FILENAME=\"" + folder + L"named file.html\"";
     const struct {
         const char* label;
         std::function<void(AfterConversionInfo& info)> arrange;

@@ -212,8 +212,14 @@ TEST_F(Panel, AppearsWhereTheHostPlacesIt) {
 
 TEST_F(Panel, WorksBesideAnother) {
     PluginInstance other;
+    static UINT milliseconds = 0;
+    const auto setTimer = [](HWND window, UINT_PTR id, UINT period, TIMERPROC procedure) {
+        return SetTimer(window, id, milliseconds = period, procedure);
+    };
+    stubs["SetTimer"].target = reinterpret_cast<void*>(+setTimer);
     const HWND first = Show(L"-ext=.a");
     const HWND second = CALL_PLUGIN(DSP_ShowConfigBit, other.Instance(), host.Get(), 0, 0, L"-ext=.b");
+    EXPECT_EQ(milliseconds, 50u);
     // The tooltips' timers; KillTimer fails when there is none of that id.
     EXPECT_FALSE(KillTimer(first, 7789));
     EXPECT_TRUE(KillTimer(first, 7788));
@@ -283,7 +289,8 @@ TEST_F(Panel, AsksTheFileDialogForAStyleSheet) {
         EXPECT_EQ(dialog.hwndOwner, panel);
         const std::wstring filter(L"XSL Files(*.xsl, *.xslt)\0*.xsl;*.xslt\0\0", 39);
         EXPECT_EQ(std::wstring(dialog.lpstrFilter, filter.size()), filter);
-        EXPECT_EQ(dialog.lpstrInitialDir, ModuleFolder(library).Text() + std::wstring(L"XSLT"));
+        EXPECT_EQ(dialog.lpstrInitialDir,
+                  std::filesystem::absolute(LoadedPlugin::kPath).parent_path() / L"XSLT");
         EXPECT_STREQ(dialog.lpstrFile, L"");
         EXPECT_EQ(dialog.nMaxFile, 260u) << "units";
         EXPECT_EQ(dialog.Flags, 0u);

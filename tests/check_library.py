@@ -50,13 +50,14 @@ def check_imports(library, compiler):
     expect(f"imports that it has in vain for {sorted(wanted)}", lines_of(expected - actual), [])
 
 
-def file_version(library):
-    """The version that Explorer shows: of the first language and code page that the resource says it has texts in."""
+def versions(library):
+    """The versions that Explorer shows, of the file and the product: of the first language and code page that the
+    resource says it has texts in."""
     info = {entry.Key: entry for entry in library.FileInfo[0]}
     language, code_page = info[b"VarFileInfo"].Var[0].entry[b"Translation"].split()
     block = b"%04X%04X" % (int(language, 16), int(code_page, 16))
     tables = {table.LangID.upper(): table.entries for table in info[b"StringFileInfo"].StringTable}
-    return tables.get(block, {}).get(b"FileVersion", b"none")
+    return [tables.get(block, {}).get(name, b"none").decode() for name in (b"FileVersion", b"ProductVersion")]
 
 
 def calls_of_stack_check(library):
@@ -84,8 +85,8 @@ def main(path, config, compiler):
     expect("many calls of the stack check's failure", calls_of_stack_check(library) >= 20, True)
     expect("ids that are missing", [id for id in IDS if UUID(id).bytes_le not in bytes_of_file], [])
     fixed = library.VS_FIXEDFILEINFO[0]
-    expect("version", file_version(library).decode(),
-           f"{fixed.FileVersionMS >> 16}.{fixed.FileVersionMS & 0xFFFF}.{fixed.FileVersionLS >> 16}")
+    version = f"{fixed.FileVersionMS >> 16}.{fixed.FileVersionMS & 0xFFFF}.{fixed.FileVersionLS >> 16}"
+    expect("versions", versions(library), [version, version])
     expect("shipped files", sorted(file.name for file in path.parent.iterdir()), ["WriteMetadataFile.dll", "XSLT"])
     if config == "Release":
         check_imports(library, compiler)

@@ -69,7 +69,8 @@ public:
     static std::wstring Cached(const wchar_t* extension) {
         wchar_t text[1000] = L"none";
         DWORD size = sizeof text;
-        RegGetValueW(HKEY_CURRENT_USER, kCacheKey, extension, RRF_RT_REG_SZ, nullptr, text, &size);
+        RegGetValueW(HKEY_CURRENT_USER, kCacheKey, extension, RRF_RT_REG_SZ | RRF_NOEXPAND, nullptr, text,
+                     &size);
         return text;
     }
 

@@ -2,9 +2,16 @@
 # The scripts that check must fail when what they check fails: check_verdicts.sh WORK
 # Copies of them run with stand-ins for the programs that they call, of which one fails each time.
 
-source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
-
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 work=$1
+
+# Not that of the scripts, whose verdicts are checked.
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
 rm -rf "$work"
 mkdir -p "$work"/{bin,ci/scripts,build/{linux-asan/fuzz,mingw-release},tests/fuzz/corpus/target}
 cp -r "$root"/{scripts,cmake} "$work"
@@ -53,7 +60,7 @@ fails_with 'test.sh check-package.sh fuzz.sh check.sh' ci/.ci/run
 
 # Broken links are named, each with its fault.
 cd "$work"
-printf '# Title\n\n[here](#title) [nowhere](#nowhere) [no file](none.md)\n' >page.md
+printf '# Title\n\n[here](#title) [nowhere](#nowhere) [no file](none.md) ![no picture](none.png)\n' >page.md
 status=0
 "$root/scripts/pages.py" check page.md >log 2>&1 || status=$?
 "$root/scripts/pages.py" check none.md >>log 2>&1 || status=$status$?
@@ -61,6 +68,7 @@ diff - <(echo "status $status" && sed "s,$work/,," log) <<'END' || fail "pages.p
 status 12
 page.md: #nowhere: there is no such heading in the pages given
 page.md: none.md: there is no such file
-1 pages, 3 links and pictures, 2 wrong
+page.md: none.png: there is no such file
+1 pages, 4 links and pictures, 3 wrong
 there is no file none.md
 END

@@ -72,3 +72,17 @@ page.md: none.png: there is no such file
 1 pages, 4 links and pictures, 3 wrong
 there is no file none.md
 END
+
+# A page made as HTML names its own link as the current one.
+printf '# Other\n' >other.md
+"$root/scripts/pages.py" make out page.md other.md
+for name in page other; do
+    diff - <(grep -o '<a [^>]* aria-current=page>' "out/$name.html") <<<"<a href=\"$name.html\" aria-current=page>" ||
+        fail "another link is current"
+done
+
+# Arguments are checked before anything is built.
+printf 'RIFF....AVI ' >film.wav
+status=0
+"$work/scripts/demo.sh" film.wav >log 2>&1 || status=$?
+[[ $status == 2 && $(<log) == *'"film.wav" is no WAVE file'* ]] || fail "demo.sh takes any file: $(<log)"

@@ -67,11 +67,11 @@ public:
 
     /// The stored text or "none".
     static std::wstring Cached(const wchar_t* extension) {
-        wchar_t text[1000] = L"none";
+        wchar_t text[1000] = {};
         DWORD size = sizeof text;
-        RegGetValueW(HKEY_CURRENT_USER, kCacheKey, extension, RRF_RT_REG_SZ | RRF_NOEXPAND, nullptr, text,
-                     &size);
-        return text;
+        const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, kCacheKey, extension,
+                                            RRF_RT_REG_SZ | RRF_NOEXPAND, nullptr, text, &size);
+        return status == ERROR_SUCCESS ? text : L"none";
     }
 
     void Record(const wchar_t* name, const wchar_t* call) {

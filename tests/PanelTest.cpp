@@ -104,8 +104,9 @@ TEST_F(Panel, ShowsItsIconInTheScreensSize) {
         loaded = {static_cast<int>(reinterpret_cast<intptr_t>(name)), width, height};
         return LoadImageW(module, name, type, width, height, flags);
     };
-    const auto draw = [](HDC, int x, int y, HICON icon, int width, int height, UINT, HBRUSH,
+    const auto draw = [](HDC, int x, int y, HICON icon, int width, int height, UINT, HBRUSH background,
                          UINT flags) -> BOOL {
+        EXPECT_EQ(background, GetSysColorBrush(COLOR_3DFACE));
         drawn = {icon != nullptr, x, y, width, height, static_cast<int>(flags)};
         return TRUE;
     };

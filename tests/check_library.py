@@ -86,6 +86,8 @@ def main(path, config, compiler):
     expect("ids that are missing", [id for id in IDS if UUID(id).bytes_le not in bytes_of_file], [])
     fixed = library.VS_FIXEDFILEINFO[0]
     version = f"{fixed.FileVersionMS >> 16}.{fixed.FileVersionMS & 0xFFFF}.{fixed.FileVersionLS >> 16}"
+    expect("product's version", (fixed.ProductVersionMS, fixed.ProductVersionLS),
+           (fixed.FileVersionMS, fixed.FileVersionLS))
     expect("versions", versions(library), [version, version])
     expect("shipped files", sorted(file.name for file in path.parent.iterdir()), ["WriteMetadataFile.dll", "XSLT"])
     if config == "Release":

@@ -81,8 +81,14 @@ for name in page other; do
         fail "another link is current"
 done
 
-# Arguments are checked before anything is built.
+# refuses MESSAGE SCRIPT [ARGUMENT…]: with that message, before anything is built.
+refuses() {
+    local status=0
+    "$work/scripts/$2" "${@:3}" >log 2>&1 || status=$?
+    [[ $status == 2 && $(<log) == *"$1"* ]] || fail "$2 does not refuse ${*:3}: $(<log)"
+}
 printf 'RIFF....AVI ' >film.wav
-status=0
-"$work/scripts/demo.sh" film.wav >log 2>&1 || status=$?
-[[ $status == 2 && $(<log) == *'"film.wav" is no WAVE file'* ]] || fail "demo.sh takes any file: $(<log)"
+printf 'RIFF....WAVE' | tee song.1.wav >song.2.wav
+refuses '"film.wav" is no WAVE file' demo.sh film.wav
+refuses 'there is no readable file "none"' demo.sh song.1.wav song.2.wav none
+refuses '"0" is no number of seconds' fuzz.sh 0

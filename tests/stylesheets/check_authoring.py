@@ -67,6 +67,7 @@ def check_script(results, folder):
             (("song.xml", "Markdown.xslt", "SONG.xml"), ["would replace"]),
             (("song.xml", "Markdown.xslt", "Markdown.xslt"), ["would replace"]),
             (("song.xml", "Markdown.xslt", "none.FLAC"), ["would replace"]),
+            (("song.xml", "Markdown.xslt", "none.WAV"), ["would replace"]),
             ((".", "Markdown.xslt", ".xml"), ["expected an extension", usage]),
             ((".", "Markdown.xslt", ".flac"), ["song.flac: this would replace", "0 written"]),
             ((".", "Markdown.xslt", "none.txt"), ["expected an extension", usage]),

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# The scripts that check must fail when what they check fails: check_verdicts.sh WORK
-# Copies of them run with stand-ins for the programs that they call, of which one fails each time.
+# What the scripts answer when something is wrong: check_verdicts.sh WORK
+# Those that check must fail when what they check fails: copies of them run with stand-ins for the programs that they
+# call, of which one fails each time. Broken links are found, and wrong arguments refused.
 
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

@@ -157,8 +157,10 @@ def check_recipe(results):
 def main():
     folders = [Path(argument) for argument in sys.argv[1:]]
     work, results = folders[0], Results()
-    produced, seen = (*folders, work / "samples")[1], work / "seen"
-    folders_of(seen).rmdir()
+    produced = folders[1] if folders[1:] else work / "samples"
+    seen = work / "seen"
+    shutil.rmtree(seen, ignore_errors=True)
+    seen.mkdir(parents=True)
     if not folders[1:]:
         make_samples(produced)
     with wave.open(str(work / "tone.wav"), "wb") as tone:

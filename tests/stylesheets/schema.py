@@ -51,10 +51,12 @@ def check_schema(results, documents, work):
         return [verdict == "validates" for verdict in found] + [made.returncode == 0]
 
     speech = samples()["speech"]
-    taken = [document.read_bytes() for document in documents if document.stem != "new"]
-    taken += [re.sub("(<FileCreated>)[^<]*", rf"\g<1>{time}", speech).encode() for time in TAKEN_TIMES]
-    for xml in taken:
-        results.equal(xml[:2000], verdicts(xml), [True, True, True])
+    taken = {document.name: document.read_bytes() for document in documents}
+    taken.pop("new.xml", None)  # has facts that the schema does not know
+    for time in TAKEN_TIMES:
+        taken[time] = re.sub("(<FileCreated>)[^<]*", rf"\g<1>{time}", speech).encode()
+    for label, xml in taken.items():
+        results.equal(f"taken: {label}", verdicts(xml), [True, True, True])
     for cases, part in ((REFUSED_BY_RULES, 0), (REFUSED, 1)):
         for label, pattern, replacement in cases:
             xml, changes = re.subn(pattern, replacement, speech, count=1)

@@ -27,6 +27,12 @@ from schema import check_schema
 PAGE = "style-sheets.md"
 EXPECTED = Path(__file__).with_name("expected")
 METAFLAC_LINE = 65534  # bytes that metaflac takes in one line
+# What the columns of Songs.xslt are called elsewhere, in the order in which one counts before another.
+SONG_TAGS = ["Title TIT2 INAM", "ARTIST TPE1 IART Author", "Album_Artist TPE2 aART WM/AlbumArtist",
+             "ALBUM Album-Title TALB IPRD WM/AlbumTitle",
+             "TRACKNUMBER Track# Track.No TRCK trkn ITRK IPRT WM/TrackNumber",
+             "DISCNUMBER disc DiskNumber DISK DISC/NO TPOS WM/PartOfSet", "DATE YEAR TDRC TYER ICRD WM/Year",
+             "GENRE TCON gnre IGNR WM/Genre"]
 SHEETS = {".json": "Json.xslt", ".csv": "Csv.xslt", ".facts.csv": "CsvLong.xslt", ".song.csv": "Songs.xslt",
           ".changes.csv": "Changes.xslt", ".md": "Markdown.xslt", ".txt": "Text.xslt", ".html": "Html.xslt",
           ".vc": "VorbisComments.xslt", ".ffmeta": "FFMetadata.xslt"}
@@ -137,6 +143,16 @@ def check_seen(results, produced, seen):
     results.equal("addresses in the page's looks", re.findall(r"url\(|@import", (ROOT / "XSLT/Html.xslt").read_text()), [])
 
 
+def check_songs(results):
+    """Of the names that a tag of a song has elsewhere the first is taken, and the next when that is missing."""
+    columns = [names.split() for names in SONG_TAGS]
+    for skipped in range(max(map(len, columns)) + 1):
+        tags = [entry_line(name, f"as {name}") for names in columns for name in reversed(names[skipped:])]
+        row = transformed("Songs.xslt", with_tags(samples()["noformat"], "".join(tags)).encode()).stdout.decode()
+        wants = [f"as {names[skipped]}" if names[skipped:] else "" for names in columns]
+        results.equal(f"without the first {skipped} names", next(csv.reader([row]))[1:9], wants)
+
+
 def check_growth(results):
     """Of many entries whose names alternate, few ask the key for all of their name, by xsltproc's count of calls, but
     some in every block: only within a small one are all entries compared."""
@@ -179,6 +195,7 @@ def main():
     check_schema(results, documents, work)
     if not folders[1:]:
         check_seen(results, produced, seen)
+        check_songs(results)
         check_growth(results)
         check_recipe(results)
     return results.status()

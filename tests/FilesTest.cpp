@@ -31,6 +31,7 @@ TEST(XFile, LongPathsAreTakenLiterallyButNoShares) {
 TEST(FileExists, FindsFilesFoldersRootsAndWildcards) {
     const TempFolder folder;
     WriteTestFile(folder.Path(L"song.flac"), "");
+    WriteTestFile(folder.Path(L"..dots"), "");
     CreateDirectoryW(folder.Path(L"sub").c_str(), nullptr);
     const std::pair<std::wstring, bool> rows[] = {
         {L"", false},
@@ -40,6 +41,7 @@ TEST(FileExists, FindsFilesFoldersRootsAndWildcards) {
         {folder.Path(L"sub"), true},
         {folder.Path(L"sub\\*"), false}, // the folder itself and its parent do not count
         {folder.Path(L"*.FLAC"), true},
+        {folder.Path(L"*dots"), true},
         {folder.Path(L"*.mp3"), false},
         {folder.Path(L"missing"), false},
     };

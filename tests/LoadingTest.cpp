@@ -263,6 +263,7 @@ TEST_F(Loading, PanelLeavesNothingBehind) {
         return TRUE;
     };
     stubs["GetOpenFileNameW"].target = reinterpret_cast<void*>(+choose);
+    CoInitialize(nullptr); // as the host's thread may have
     const auto use = [&](size_t) {
         const CreateRecord record = {};
         auto* instance = CALL_PLUGIN(DSP_Create, &record);
@@ -275,6 +276,7 @@ TEST_F(Loading, PanelLeavesNothingBehind) {
         CALL_PLUGIN(DSP_Destroy, instance);
     };
     ExpectNothingStays({"panel", use});
+    CoUninitialize();
 }
 
 TEST_F(Loading, ManyThreadsRunOutOfMemoryAtOnce) {

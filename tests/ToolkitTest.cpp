@@ -130,8 +130,11 @@ TEST(WindowObject, DetachesFromAWindowThatEndsAndDestroysItsOwn) {
         SCOPED_TRACE(&end - ends);
         auto object = std::make_unique<Recorder>();
         MakeDialog(*object);
+        const OwnedWindow earlier(object->Hwnd());
+        MakeDialog(*object); // leaves the other window
         const HWND hwnd = object->Hwnd();
         SKIP_WITHOUT_DISPLAY(hwnd);
+        EXPECT_EQ(XWindow::Find(earlier.Get()), nullptr);
         EXPECT_EQ(XWindow::Find(hwnd), object.get());
         end(object);
         EXPECT_FALSE(IsWindow(hwnd));
@@ -141,6 +144,17 @@ TEST(WindowObject, DetachesFromAWindowThatEndsAndDestroysItsOwn) {
             EXPECT_EQ(object->Hwnd(), nullptr);
         }
     }
+}
+
+TEST(WindowObject, MovesWithoutACoordinateThatIsToBeKept) {
+    Recorder object;
+    MakeDialog(object);
+    SKIP_WITHOUT_DISPLAY(object.Hwnd());
+    object.MoveTo(70, 90);
+    object.MoveTo(kKeepCoordinate, 110);
+    object.MoveTo(80, kKeepCoordinate);
+    const RECT place = PlaceOf(object.Hwnd());
+    EXPECT_EQ(std::pair(place.left, place.top), std::pair(80L, 110L));
 }
 
 TEST(LabelFont, IsTheLargestInWhichLabelsFit) {

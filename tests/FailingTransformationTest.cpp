@@ -79,6 +79,8 @@ TEST_F(FailingTransformation, TakesNoDescriptionThatIsNotOfTheFailedCall) {
     stubs["suppliesErrorInfo"].FailAt(1, S_FALSE, 0);
     EXPECT_EQ(Run([this] { return Convert(); }, {"loadXML", E_FAIL, 0, {}}, 1), loadXml);
     EXPECT_EQ(stubs["suppliesErrorInfo"].calls, 1u);
+    EXPECT_NE(ReadUtf16(folder + L"calls.log").find(L"XML:   [clDSP_WriteMetadataFile::WriteXMLFile]\r\n"),
+              std::wstring::npos);
 }
 
 } // namespace

@@ -95,6 +95,7 @@ TEST_F(Panel, HasItsControls) {
     EXPECT_TRUE(std::wstring(font.lfFaceName).starts_with(L"MS Shell Dlg")) << font.lfFaceName;
     EXPECT_EQ(font.lfHeight, -MulDiv(8, GetDeviceCaps(dc, LOGPIXELSY), 72));
     EXPECT_EQ(font.lfWeight, 400);
+    EXPECT_FALSE(font.lfItalic);
     ReleaseDC(panel, dc);
 }
 

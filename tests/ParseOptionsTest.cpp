@@ -24,7 +24,7 @@ TEST(ParseOptions, ReadsEveryFormOfOption) {
         {L"-ext  == =txt rest -a", L"ext[txt]a[]"},
         {L"-xsltfile=\"abc -ext=x y", L"xsltfile[]ext[x]"}, // goes on just after the quote
         {L"-ext\"txt\"-b=1", L"ext[txt]b[1]"},
-        {L"-a=b-c -d", L"a[b-c]d[]"},
+        {L"-a -b=c-d=e\"f -g", L"a[]b[c-d=e\"f]g[]"},
         {L"-=x -\"y\" - z -e=1", L"e[1]"},
         {L"-a=\"b c\"d -e", L"a[b c]e[]"},
     };

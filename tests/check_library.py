@@ -50,14 +50,15 @@ def check_imports(library, compiler):
     expect(f"imports that it has in vain for {sorted(wanted)}", lines_of(expected - actual), [])
 
 
-def versions(library):
-    """The versions that Explorer shows, of the file and the product: of the first language and code page that the
-    resource says it has texts in."""
+def versions_and_names(library):
+    """The versions of the file and the product and the file's names that Explorer shows: of the first language and
+    code page that the resource says it has texts in."""
     info = {entry.Key: entry for entry in library.FileInfo[0]}
     language, code_page = info[b"VarFileInfo"].Var[0].entry[b"Translation"].split()
     block = b"%04X%04X" % (int(language, 16), int(code_page, 16))
     tables = {table.LangID.upper(): table.entries for table in info[b"StringFileInfo"].StringTable}
-    return [tables.get(block, {}).get(name, b"none").decode() for name in (b"FileVersion", b"ProductVersion")]
+    names = (b"FileVersion", b"ProductVersion", b"InternalName", b"OriginalFilename")
+    return [tables.get(block, {}).get(name, b"none").decode() for name in names]
 
 
 def calls_of_stack_check(library):
@@ -88,7 +89,8 @@ def main(path, config, compiler):
     version = f"{fixed.FileVersionMS >> 16}.{fixed.FileVersionMS & 0xFFFF}.{fixed.FileVersionLS >> 16}"
     expect("product's version", (fixed.ProductVersionMS, fixed.ProductVersionLS),
            (fixed.FileVersionMS, fixed.FileVersionLS))
-    expect("versions", versions(library), [version, version])
+    expect("versions and names", versions_and_names(library), [version, version, path.stem, path.name])
+    expect("system and kind of file", (fixed.FileOS, fixed.FileType), (0x40004, 2))
     expect("shipped files", sorted(file.name for file in path.parent.iterdir()), ["WriteMetadataFile.dll", "XSLT"])
     if config == "Release":
         check_imports(library, compiler)

@@ -33,11 +33,12 @@ protected:
             }
         });
         const std::string bytes = Written();
-        result += bytes == whole         ? "whole"
-                  : bytes == "kept"      ? "kept"
-                  : bytes.empty()        ? "empty"
-                  : bytes.ends_with(end) ? "less"
-                                         : "other";
+        const bool isLess = bytes.ends_with(end) && bytes.size() <= whole.size();
+        result += bytes == whole    ? "whole"
+                  : bytes == "kept" ? "kept"
+                  : bytes.empty()   ? "empty"
+                  : isLess          ? "less"
+                                    : "other";
         for (const std::wstring& line : Lines(ReadUtf16(errorPath))) {
             const size_t colon = RunsUnderWine() ? std::wstring::npos : line.find(L": ");
             const std::wstring text = line.substr(0, colon == std::wstring::npos ? colon : colon + 2);

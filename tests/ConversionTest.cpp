@@ -236,7 +236,7 @@ TEST_F(ConversionTest, TheCacheDecidesBeforeTheFolder) {
     } rows[] = {
         {"missing library", L"X:\\old\\gone.dll", REG_SZ, a},
         {"only the name of a cached path counts", L"X:\\old\\lib.dll", REG_SZ, lib},
-        {"expandable text, without terminator", L"lib.dll", REG_EXPAND_SZ, lib},
+        {"expandable text, without terminator", L"lib.dllx", REG_EXPAND_SZ, lib, 2}, // no zero follows
         {"without half of its last unit", L"X:\\" + std::wstring(60, L'x') + L"\\lib.dll", REG_SZ, lib, 1},
         {"one byte", L"l", REG_SZ, a, 1},
         {"no text", L"lib.dll", REG_BINARY, a},

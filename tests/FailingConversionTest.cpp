@@ -69,7 +69,7 @@ TEST_F(FailingConversion, LooksForDecodersBesideTheProgram) {
         return reinterpret_cast<decltype(&FindFirstFileW)>(watched)(pattern, found);
     };
     const std::wstring deep = L"C:\\" + std::wstring(200, L'a') + L"\\" + std::wstring(700, L'b') + L"\\";
-    const std::pair<std::wstring, std::wstring> rows[] = {{deep + L"x.exe", L"\\\\?\\" + deep},
+    const std::pair<std::wstring, std::wstring> rows[] = {{deep + std::wstring(200, L'x'), L"\\\\?\\" + deep},
                                                           {L"\"C:\\a b\\x.exe\" -y \\z", L"C:\\a b\\"},
                                                           {L"\"C:\\a\\x.exe", L"C:\\a\\"},
                                                           {L"\"x.exe\"", L"x.exe\\"},

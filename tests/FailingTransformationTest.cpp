@@ -83,4 +83,16 @@ TEST_F(FailingTransformation, TakesNoDescriptionThatIsNotOfTheFailedCall) {
               std::wstring::npos);
 }
 
+TEST_F(FailingTransformation, MayRunOutOfMemoryOnceACallHasFailed) {
+    WriteTestFile(sheet, "<");
+    const auto fail = [](const CLSID&, IUnknown*, DWORD, const IID&, void**) {
+        Account::Heap::size = Account::Heap::used;
+        return REGDB_E_CLASSNOTREG;
+    };
+    void* const watched = std::exchange(stubs["CoCreateInstance"].target, reinterpret_cast<void*>(+fail));
+    // One exception is handled while the other is thrown.
+    EXPECT_EQ(Run([this] { return Convert(); }, {}, 0), "not done, kept; Out of memory");
+    stubs["CoCreateInstance"].target = watched;
+}
+
 } // namespace

@@ -117,7 +117,8 @@ protected:
             Account::Heap::EndAt(0);
             return result;
         };
-        const CreateRecord record = {};
+        const OwnedFile trace = CreateTestFile(errorPath);
+        const CreateRecord record = {nullptr, nullptr, trace.Get()};
         const std::wstring longKey(1000, L'k');
         const auto create = [&] { return CALL_PLUGIN(DSP_Create, &record); };
         try {

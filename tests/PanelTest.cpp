@@ -102,7 +102,7 @@ TEST_F(Panel, HasItsControls) {
 TEST_F(Panel, ShowsItsIconInTheScreensSize) {
     static std::vector<int> loaded, drawn;
     const auto load = [](HINSTANCE module, LPCWSTR name, UINT type, int width, int height, UINT flags) {
-        loaded = {static_cast<int>(reinterpret_cast<intptr_t>(name)), width, height};
+        loaded = {static_cast<int>(reinterpret_cast<intptr_t>(name)), width, height, static_cast<int>(flags)};
         return LoadImageW(module, name, type, width, height, flags);
     };
     const auto draw = [](HDC, int x, int y, HICON icon, int width, int height, UINT, HBRUSH background,
@@ -111,14 +111,15 @@ TEST_F(Panel, ShowsItsIconInTheScreensSize) {
         drawn = {icon != nullptr, x, y, width, height, static_cast<int>(flags)};
         return TRUE;
     };
-    stubs["GetDeviceCaps"].target = reinterpret_cast<void*>(+[](HDC, int) { return 120; }); // dots per inch
+    const auto dotsPerInch = [](HDC, int which) { return which == LOGPIXELSX ? 120 : 0; };
+    stubs["GetDeviceCaps"].target = reinterpret_cast<void*>(+dotsPerInch);
     stubs["LoadImageW"].target = reinterpret_cast<void*>(+load);
     stubs["DrawIconEx"].target = reinterpret_cast<void*>(+draw);
     const HWND panel = Show();
     UpdateWindow(panel);
     RECT place = {284, 1, 1, 1};
     MapDialogRect(panel, &place);
-    EXPECT_EQ(loaded, std::vector({110, 30, 30}));
+    EXPECT_EQ(loaded, std::vector({110, 30, 30, LR_DEFAULTCOLOR}));
     EXPECT_EQ(drawn, std::vector<int>({true, place.left, place.top, 30, 30, DI_NORMAL}));
 }
 
@@ -199,7 +200,9 @@ TEST_F(Panel, AppearsWhereTheHostPlacesIt) {
         LONG left, top;
     } rows[] = {{30, 40, 30, 40}, {-12345, 40, 0, 40}, {30, -12345, 30, 0}, {-5, -12344, -5, -12344}};
     for (const DWORD layout : {DWORD{0}, DWORD{WS_EX_LAYOUTRTL}}) {
-        host = MakeTopWindow(layout);
+        const OwnedWindow top = MakeTopWindow();
+        host = OwnedWindow(CreateWindowExW(layout, L"STATIC", L"", WS_CHILD, 7, 9, 800, 300, top.Get(),
+                                           nullptr, nullptr, nullptr));
         for (const auto& row : rows) {
             const OwnedWindow sibling(CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 10, 10, host.Get(),
                                                       nullptr, nullptr, nullptr));
@@ -348,7 +351,7 @@ TEST(HelpButton, OpensTheHelpPageAtEachClick) {
     button.Attach(control);
     const std::wstring folder = std::wstring(ModuleFolder(nullptr).Text()) + L"Help\\kbn\\";
     const std::vector<std::wstring> once = {folder + L"DSP.htm in " + folder};
-    constexpr LPARAM kInside = MAKELPARAM(5, 5);
+    constexpr LPARAM kInside = MAKELPARAM(60, 5);
     const struct {
         const char* label;
         UINT down, up;

@@ -158,13 +158,19 @@ TEST(WindowObject, MovesWithoutACoordinateThatIsToBeKept) {
 }
 
 TEST(LabelFont, IsTheLargestInWhichLabelsFit) {
-    constexpr auto kText = L"A label of some length";
+    constexpr auto kText = L"A label of two lines, both of them with some words more than it would need,\n"
+                           L"and the second of which is the longer one; as long as any of the panel's labels";
     constexpr int kMostSteps = 3;
     Recorder dialog;
     MakeDialog(dialog);
     SKIP_WITHOUT_DISPLAY(dialog.Hwnd());
-    const HWND label =
-        CreateWindowExW(0, L"STATIC", kText, WS_CHILD, 0, 0, 0, 0, dialog.Hwnd(), nullptr, nullptr, nullptr);
+    const auto add = [&dialog](const wchar_t* className, const wchar_t* text, int width, int height) {
+        return CreateWindowExW(0, className, text, WS_CHILD, 0, 0, width, height, dialog.Hwnd(), nullptr,
+                               nullptr, nullptr);
+    };
+    add(L"SCROLLBAR", kText, 0, 0); // no label
+    const HWND label = add(L"STATIC", kText, 0, 0);
+    add(L"STATIC", L"fits", 2000, 200);
     LOGFONTW shape = {};
     GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog.Hwnd(), WM_GETFONT, 0, 0)), sizeof shape, &shape);
     const LONG height = shape.lfHeight;

@@ -20,7 +20,8 @@ TEST(XString, AssignsAndAppendsPartsOfItself) {
     }
     const XString taken = std::move(text);
     EXPECT_EQ(Wide(taken), expected);
-    EXPECT_EQ(Wide(text), L"");
+    text.Append(L"anew");
+    EXPECT_EQ(Wide(text), L"anew");
 }
 
 TEST(XString, ComparesWithTheCaseOfLatinLettersOrWithout) {

@@ -9,9 +9,9 @@ using OwnedWindow = Owner<HWND, DestroyWindow>;
 
 /// A visible top-level window, or none where there is no display. Neither framed nor activated: Wine waits
 /// two seconds for a window manager to give up a window that is.
-inline OwnedWindow MakeTopWindow(DWORD extendedStyle = 0) {
-    OwnedWindow window(CreateWindowExW(extendedStyle, L"STATIC", L"Test", WS_POPUP, 100, 100, 1100, 400,
-                                       nullptr, nullptr, GetModuleHandleW(nullptr), nullptr));
+inline OwnedWindow MakeTopWindow() {
+    OwnedWindow window(CreateWindowExW(0, L"STATIC", L"Test", WS_POPUP, 100, 100, 1100, 400, nullptr, nullptr,
+                                       GetModuleHandleW(nullptr), nullptr));
     ShowWindow(window.Get(), SW_SHOWNOACTIVATE);
     return window;
 }

@@ -62,6 +62,13 @@ run_check || { cat check.log >&2 && fail "the check fails"; }
 user_registry >"$work/registry.after"
 diff "$work/registry.before" "$work/registry.after" || fail "the check changes the user's registry"
 
+version=$(sed -n '1s/.* \([0-9.]*\)\r$/\1/p' README.txt)
+sum=$(sha256sum <dist/WriteMetadataFile.dll)
+[[ $(head -n 6 check.log) == *" UTC"*"WriteMetadataFile $version.0, commit $(<tests/commit.txt)"*"SHA-256 ${sum%% *}"* &&
+    $(head -n 6 check.log) == *'Windows '[1-9]*' (Wine '*'MSXML '[1-9]*', code page '*', 96 dpi'* ]] ||
+    fail "check.log does not say what was tested, and where"
+grep -q '^[1-9][0-9]* passed, 0 failed, ' check.log || fail "check.log does not count what passed"
+
 tests_in_log() {
     tr -d '\r' <check.log | awk '/^(passed|skipped|FAILED) / && $4 !~ /^(dsphost|cscript)$/ { print $5 }' | sort
 }
@@ -72,11 +79,12 @@ diff <(tests_in_ctest) <(tests_in_log) || fail "the check runs not all tests of 
 diff <(sort "$work/pack/tests/files.txt" <(printf '%s\n' check.log tests/files.txt)) <(find . -type f -printf '%P\n' | sort) ||
     fail "the check removes files (<), or leaves some (>)"
 
-# What has to fail, in a copy without the tests and without the list of what belongs to it.
+# What has to fail, in a copy with one test, which fails, and without the list of what belongs to it.
 copy="$work/to fail"
 cp -r "$user" "$copy"
 cd "$copy"
-rm tests/run/*.exe
+find tests/run -name '*.exe' ! -name 'sample_decoders*' -delete
+sed -i 's/^Engineer=/Engineers=/' tests/run/data/decoders.txt
 
 # fails_with PATTERN: the check fails, and the last line on the console but one has the pattern.
 fails_with() {
@@ -85,10 +93,14 @@ fails_with() {
 }
 fails_with 'files are missing, .*: tests/run/'
 >tests/files.txt
+rm expected/document.txt
+sed -i 's/Zoë/Zoe/' expected/Songs.txt
 printf 'GARBAGE' | cat - dist/XSLT/FFMetadata.xslt >garbage && mv garbage dist/XSLT/FFMetadata.xslt
 sed -i 's/match="[^"]*"/match="nothing"/' dist/XSLT/Json.xslt
-fails_with 'on this machine: .*: FFMetadata.xslt, Json.xslt; Transform.js does not'
-grep -q '^     1  {' check.log || fail "check.log does not show what Json.xslt lacks"
+fails_with 'on this machine: the plug-in .*: FFMetadata.xslt, Json.xslt, Songs.xslt; Transform.js .*; tests of single parts'
+grep -q '^[1-9][0-9]* passed, 6 failed, 0 skipped' check.log || fail "check.log does not count what failed"
+grep -qF '     1  ne tone","Zoe Ångström; Łukasz & Żaneta","Variou | ne tone","Zoë Ångström;' check.log ||
+    fail "check.log does not show the difference in what Songs.xslt makes"
 rm check.log && mkdir check.log
 fails_with 'unzip the archive into another'
 

@@ -36,7 +36,7 @@ TEST(HostTool, ReportsTheDocumentOrTheFault) {
         {L"--settings \"-xsltfile=gone.xsl -ext=.out\" s.wave c.wave",
          1,
          {"c.out, 0 bytes", "no style sheet gone.xsl"}},
-        {L"n.wave c.wave", 1, {"wav.dll cannot read "}},
+        {L"--settings -ext=.n n.wave c.wave", 1, {"wav.dll cannot read "}},
         {L"s.wave t", 1, {"No decoder library reads files with the extension ."}},
         {L"s.wave c._", 1, {"There is no file ", "did not write", "Write XML incompatible"}},
         {L"--plugin \"" + tools + L"decoder\\wav.dll\" s.wave c.wave", 1, {"does not export DSP_Create"}},

@@ -52,6 +52,7 @@ def check_script(results, folder):
     (folder / "other.xml").write_text("<Other/>")
     (folder / "entity.xslt").write_text(EMPTY.replace("/>", ">&nbsp;</xsl:template>"))
     (folder / "empty.xslt").write_text(EMPTY)
+    (folder / "plain.xslt").write_text('<Plain xsl:version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"/>')
     (folder / "none").mkdir()
     before = contents(folder)
     usage = "Expected: DOCUMENT STYLESHEET OUTPUT"
@@ -63,12 +64,15 @@ def check_script(results, folder):
             (("no.xml", "Markdown.xslt", "none.txt"), [r"\no.xml: there is no such", usage]),
             (("song.xml", "song.xml", "none.txt"), ["expected a style sheet", usage]),
             (("song.xml", "Markdown.xslt"), [usage]),
+            (("song.xml", "Markdown.xslt", "none.txt", "none.md"), [usage]),
             (("song.xml", "empty.xslt", "none.txt"), [r"\song.xml: the result is empty"]),
-            (("song.xml", "Markdown.xslt", "SONG.xml"), ["would replace"]),
+            (("song.xml", "plain.xslt", "SONG.xml"), ["would replace"]),
             (("song.xml", "Markdown.xslt", "Markdown.xslt"), ["would replace"]),
             (("song.xml", "Markdown.xslt", "none.FLAC"), ["would replace"]),
             (("song.xml", "Markdown.xslt", "none.WAV"), ["would replace"]),
-            ((".", "Markdown.xslt", ".xml"), ["expected an extension", usage]),
+            ((".", "Markdown.xslt", ".XML"), ["expected an extension", usage]),
+            ((".", "Markdown.xslt", "."), ["expected an extension", usage]),
+            ((".", "Markdown.xslt", ".none/txt"), ["expected an extension", usage]),
             ((".", "Markdown.xslt", ".flac"), ["song.flac: this would replace", "0 written"]),
             ((".", "Markdown.xslt", "none.txt"), ["expected an extension", usage]),
             (("none", "Markdown.xslt", ".txt"), ["0 written, 0 failed"])):
@@ -84,7 +88,7 @@ def contents(folder):
 def check_folders(results, folder):
     """Every document in a folder and those below it, by the script and as the page shows for other systems."""
     music = folder / "music"
-    below = music / "Łódź & 100%" / "below"
+    below = music / "Łódź & 100%" / "below.xml"
     below.mkdir(parents=True)
     songs = [music / "a song.xml", below / "sóng.XML", *(below / f"{i}.xml" for i in range(98))]
     for song in songs:
@@ -101,6 +105,12 @@ def check_folders(results, folder):
     pages = {song.with_suffix(".html"): same_page(want) for song in songs}
     made = {path: same_page(utf16(path)) for path in contents(music) if path not in before}
     results.equal("pages by the script", made, pages)
+    (folder / "one").mkdir()
+    for path in (folder / "song.xml", below / "other.xml", music / "a song.html"):
+        shutil.copy(path, folder / "one" / path.name.replace("a song", "song"))
+    printed, status = script(folder, "one", "Markdown.xslt", ".html")
+    results.equal("one document by the script", (status, printed, utf16(folder / "one" / "song.html")),
+                  (0, "1 written, 0 failed, 1 are no documents\n", utf16(folder / "song.md")))
     results.equal("no document changed", [path for path in before if path.read_bytes() != before[path]], [])
 
     for page in pages:

@@ -6,7 +6,8 @@ from xml.sax import saxutils
 LYRICS = "".join(f'{i}: "so" weit = so gut; #{i} \\ \U0001d11e\n' for i in range(3000)) + "\u6b4c"
 LONG = [("LYRICS", LYRICS), ("WINDOWS", "text\r\n\r\n" * 5000 + "\r\n" * 5000), ("QUOTES", '"' * 100000),
         ("BREAKS", "\n" * 20000 + "end"), ("HALVED", "a\r" + "x" * 2000 + "end"),
-        ("THE LAST LARGE VALUE", "x" * 100000 + ';"'), *(("MANY", f"value {i}") for i in range(2000)),
+        ("LIMIT", "x" * 1200 + "\r" + "x" * 1201), ("THE LAST LARGE VALUE", "x" * 100000 + ';"'),
+        *(("MANY", f"value {i}") for i in range(2000)),
         *((f"Tag {i}", f"value {i}") for i in range(500)), *((f"TURN {i % 3}", f"value {i}") for i in range(3000))]
 
 

@@ -104,6 +104,5 @@ grep -qF '     1  ne tone","Zoe Ångström; Łukasz & Żaneta","Variou | ne tone
 rm check.log && mkdir check.log
 fails_with 'unzip the archive into another'
 
-cd "${zip%/*}"
-sha256sum "${zip##*/}" >"${zip##*/}.sha256"
+write_sum "$zip"
 printf '\n%s, %s bytes\n' "$zip" "$(stat -c %s "$zip")"

@@ -130,6 +130,11 @@ run_wine() {
     return "$status"
 }
 
+# write_sum FILE: the SHA-256 in FILE.sha256, for sha256sum -c in any folder that has both.
+write_sum() {
+    (cd "${1%/*}" && sha256sum "${1##*/}" >"${1##*/}.sha256")
+}
+
 # windows_path PATH: an absolute path as programs under Wine see it.
 windows_path() {
     printf 'Z:%s' "${1//\//\\}"

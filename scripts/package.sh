@@ -78,8 +78,7 @@ convert "-xsltfile=\"$(windows_path "$user/XSLT/Html.xslt")\" -ext=\".html\""
 grep -q '>Packed<.*</html>' <(tr -d '\r\n' <music/song.html) || fail "the page lacks the title"
 
 # Last, so that only a package that passed has a sum.
-cd "$work"
-sha256sum "${zip##*/}" >"${zip##*/}.sha256"
+write_sum "$zip"
 printf '\n%s\n%s bytes, SHA-256 %s, the same from both builds\n' "$zip" "$(stat -c %s "$zip")" \
     "$(cut -d ' ' -f 1 "$zip.sha256")"
 

@@ -14,6 +14,7 @@ TEST(Paths, SplitAtBackslashesAndLastDots) {
     } rows[] = {
         {L"C:\\a\\song.mp3", L"song.mp3", L"song", L".mp3", L"C:\\a\\"},
         {L"C:\\Music\\Track.01\\song", L"song", L"song", L".", L"C:\\Music\\Track.01\\"},
+        {L"\\s.", L"s.", L"s", L".", L"\\"},
         {L"C:\\a\\", L"", L"", L".", L"C:\\a\\"},
         {L"C:/a/song.mp3", L"C:/a/song.mp3", L"C:/a/song", L".mp3", L"C:/a/song.mp3"},
         {L"C:\\a\\.hidden", L".hidden", L"", L".hidden", L"C:\\a\\"},

@@ -91,6 +91,11 @@ def main(path, config, compiler):
            (fixed.FileVersionMS, fixed.FileVersionLS))
     expect("versions and names", versions_and_names(library), [version, version, path.stem, path.name])
     expect("system and kind of file", (fixed.FileOS, fixed.FileType), (0x40004, 2))
+    dialogs, = [entry.directory for entry in library.DIRECTORY_ENTRY_RESOURCE.entries
+                if entry.id == pefile.RESOURCE_TYPE["RT_DIALOG"]]
+    template = dialogs.entries[0].directory.entries[0].data.struct.OffsetToData
+    # WS_EX_CONTROLPARENT, without which Tab does not lead into the panel; Wine gives it to every dialog.
+    expect("dialog's extended style", library.get_dword_at_rva(template + 8), 0x10000)
     expect("shipped files", sorted(file.name for file in path.parent.iterdir()), ["WriteMetadataFile.dll", "XSLT"])
     if config == "Release":
         check_imports(library, compiler)

@@ -3,6 +3,7 @@
 
 check_authoring.py WORK     ends with "N passed, N failed"; needs xsltproc, and Wine with its prefix
 """
+import os
 import re
 import shutil
 import sys
@@ -81,6 +82,11 @@ def check_script(results, folder):
         results.equal(f"the script with {arguments}", (status, missing, contents(folder) == before), (1, [], True))
 
 
+def temporary_files():
+    """By the names that GetTempName gives them."""
+    return set(Path(os.environ["WINEPREFIX"]).rglob("Temp/rad*.tmp"))
+
+
 def contents(folder):
     return {path: path.read_bytes() for path in folder.rglob("*") if path.is_file()}
 
@@ -96,7 +102,7 @@ def check_folders(results, folder):
     (music / "broken.xml").write_text("<AudioMetadata>")
     (below / "other.xml").write_text("<Other/>")
     (below / "song.xmlx").write_text("")
-    before = contents(music)
+    before, earlier = contents(music), temporary_files()
     command = shown(PAGE, r"cscript //nologo Transform.js (D:\\Music .*)").replace(r"D:\Music", "music")
     printed, status = script(folder, *command.split())
     results.equal("a folder by the script", (status, re.findall(r"(?m)^\d.*|broken.xml(?=: )", printed)),
@@ -111,6 +117,7 @@ def check_folders(results, folder):
     printed, status = script(folder, "one", "Markdown.xslt", ".html")
     results.equal("one document by the script", (status, printed, utf16(folder / "one" / "song.html")),
                   (0, "1 written, 0 failed, 1 are no documents\n", utf16(folder / "song.md")))
+    results.equal("temporary files that the script leaves", temporary_files() - earlier, set())
     results.equal("no document changed", [path for path in before if path.read_bytes() != before[path]], [])
 
     for page in pages:

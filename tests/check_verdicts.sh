@@ -58,7 +58,8 @@ fails_with() {
 fails_with 'linux-asan mingw-release cmake wine' scripts/test.sh
 fails_with 'linux-asan mingw-debug' scripts/test.sh mingw-debug
 fails_with 'target cmake' scripts/fuzz.sh
-grep -q -e '-max_total_time=60 ' "$work/build/linux-asan/fuzz/target.log" || fail "fuzz.sh takes another time"
+grep -q -e "-max_total_time=60 .* corpus/target $work/tests" "$work/build/linux-asan/fuzz/target.log" ||
+    fail "fuzz.sh takes another time, or keeps new inputs among the sources"
 fails_with 'cmake clang-format cppcheck clang-tidy' scripts/check.sh
 fails_with 'test.sh check-package.sh fuzz.sh check.sh' ci/.ci/run
 ! FAILING=nothing PATH=$work/bin:$PATH "$work/scripts/test.sh" -R none >"$work/log" 2>&1 ||

@@ -101,6 +101,9 @@ fails_with 'on this machine: the plug-in .*: FFMetadata.xslt, Json.xslt, Songs.x
 grep -q '^[1-9][0-9]* passed, 6 failed, 0 skipped' check.log || fail "check.log does not count what failed"
 grep -qF '     1  ne tone","Zoe Ångström; Łukasz & Żaneta","Variou | ne tone","Zoë Ångström;' check.log ||
     fail "check.log does not show the difference in what Songs.xslt makes"
+[[ $(grep -B 6 -m 1 '[0-9][0-9] lines differ' check.log) == '  line  expected '* ]] ||
+    fail "check.log does not show the first five differences"
+grep -q 'Loading XSL failed' check.log || fail "check.log does not have the errors of programs"
 rm check.log && mkdir check.log
 fails_with 'unzip the archive into another'
 

@@ -28,6 +28,10 @@ Xvfb) echo 99 && exec sleep 9 ;;
 wine) printf "wine $# %s\n" "$*" >&2 ;;
 *) echo "${0##*/} $*" ;;
 esac
+case "${0##*/} $*" in
+cppcheck*--error-exitcode=1* | clang-format*--Werror*) ;;
+cppcheck* | clang-format*) exit 0 ;; # whatever they find
+esac
 [ "${0##*/}" != "$FAILING" ]
 END
 chmod +x "$work/bin/stand-in"

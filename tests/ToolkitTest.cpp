@@ -129,6 +129,7 @@ TEST(WindowObject, DetachesFromAWindowThatEndsAndDestroysItsOwn) {
     for (const auto& end : ends) {
         SCOPED_TRACE(&end - ends);
         auto object = std::make_unique<Recorder>();
+        Recorder later;
         MakeDialog(*object);
         const OwnedWindow earlier(object->Hwnd());
         MakeDialog(*object); // leaves the other window
@@ -136,7 +137,9 @@ TEST(WindowObject, DetachesFromAWindowThatEndsAndDestroysItsOwn) {
         SKIP_WITHOUT_DISPLAY(hwnd);
         EXPECT_EQ(XWindow::Find(earlier.Get()), nullptr);
         EXPECT_EQ(XWindow::Find(hwnd), object.get());
+        MakeDialog(later);
         end(object);
+        EXPECT_EQ(XWindow::Find(later.Hwnd()), &later);
         EXPECT_FALSE(IsWindow(hwnd));
         EXPECT_EQ(XWindow::Find(hwnd), nullptr);
         if (object != nullptr) {
@@ -158,8 +161,9 @@ TEST(WindowObject, MovesWithoutACoordinateThatIsToBeKept) {
 }
 
 TEST(LabelFont, IsTheLargestInWhichLabelsFit) {
-    constexpr auto kText = L"A label of two lines, both of them with some words more than it would need,\n"
-                           L"and the second of which is the longer one; as long as any of the panel's labels";
+    constexpr auto kText =
+        L"A label of two lines,\nthe second of which is the longer one and has as many words "
+        L"as the longest of the labels in the panel that the plug-in shows, or a few more";
     constexpr int kMostSteps = 3;
     Recorder dialog;
     MakeDialog(dialog);

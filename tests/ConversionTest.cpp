@@ -31,7 +31,13 @@ protected:
             }
             return areRead;
         };
+        const auto setValue = [](HKEY key, LPCWSTR name, DWORD zero, DWORD type, const BYTE* data,
+                                 DWORD size) {
+            EXPECT_EQ(reinterpret_cast<const wchar_t*>(data)[size / sizeof(wchar_t) - 1], 0) << "terminated";
+            return RegSetValueExW(key, name, zero, type, data, size);
+        };
         stubs["GetFileTime"].target = reinterpret_cast<void*>(+getTimes);
+        stubs["RegSetValueExW"].target = reinterpret_cast<void*>(+setValue);
     }
 
     std::string Expected(const wchar_t* file) const {

@@ -25,7 +25,7 @@ mkdir -p "$work/pack"
 cd "$work/pack"
 cp -r "$root"/tools/check/{check.cmd,recording,expected} "$build/tools/check/README.txt" .
 (cd "$build" && cp --parents -r dist tests/check.exe tests/run tools/dsphost.exe tools/decoder "$work/pack")
-git -C "$root" describe --match= --always --abbrev=40 --dirty=', with changes' | tr -d '\n' >tests/commit.txt
+commit_of "$root" | tr -d '\n' >tests/commit.txt
 find . -type f -printf '%P\n' | sort >"$work/files.txt"
 mv "$work/files.txt" tests/
 find . -type f -printf '%P\n' | sort | zip -X -q -@ "$zip"

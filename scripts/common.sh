@@ -130,6 +130,11 @@ run_wine() {
     return "$status"
 }
 
+# commit_of FOLDER: the last commit of its sources, and whether they have changed since.
+commit_of() {
+    git -C "$1" describe --match= --always --abbrev=40 --dirty=', with changes'
+}
+
 # write_sum FILE: the SHA-256 in FILE.sha256, for sha256sum -c in any folder that has both.
 write_sum() {
     (cd "${1%/*}" && sha256sum "${1##*/}" >"${1##*/}.sha256")

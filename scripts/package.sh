@@ -52,10 +52,10 @@ diff <({ git -C "$root" ls-files XSLT ':!XSLT/parts' &&
 version=${zip##*/WriteMetadataFile-}
 version=${version%-win64.zip}
 library=$(x86_64-w64-mingw32-strings -el WriteMetadataFile.dll | grep -A1 -x FileVersion | tail -n 1)
-readme=$(head -n 1 README.txt | tr -d '\r')
+readme=$(head -n 1 README.txt)
 changelog=$(sed -nE 's/^## \[([0-9.]+)\] - [0-9]{4}-[0-9]{2}-[0-9]{2}\r$/\1/p' CHANGELOG.txt | head -n 1)
 [[ $library == "$version" ]] || fail "the package is version $version, the library $library"
-[[ $readme == "WriteMetadataFile $version" ]] || fail "the package is version $version, README.txt begins with $readme"
+[[ $readme == "WriteMetadataFile $version"$'\r' ]] || fail "the package is version $version, README.txt begins with $readme"
 [[ $changelog == "$version" ]] ||
     fail "the package is version $version, the newest with a date in the changelog is $changelog"
 

@@ -135,9 +135,10 @@ commit_of() {
     git -C "$1" describe --match= --always --abbrev=40 --dirty=', with changes'
 }
 
-# write_sum FILE: the SHA-256 in FILE.sha256, for sha256sum -c in any folder that has both.
+# write_sum FILE: the SHA-256 in FILE.sha256, for sha256sum -c in any folder that has both; prints what was made.
 write_sum() {
     (cd "${1%/*}" && sha256sum "${1##*/}" >"${1##*/}.sha256")
+    printf '\n%s, %s bytes, SHA-256 %s\n' "$1" "$(stat -c %s "$1")" "$(cut -d ' ' -f 1 "$1.sha256")"
 }
 
 # windows_path PATH: an absolute path as programs under Wine see it.

@@ -91,7 +91,8 @@ says 0 $'DISPLAY=:99\nended with 143' \
     'at_exit "wait \$display_pid || echo ended with \$?"; start_display; env | grep ^DISPLAY='
 FAILING=wine says 0 $'wine 1 Z:\\\\a\\\\b c\nprobe.sh: status 1 of Z:\\\\a\\\\b c\nfuzz' \
     'export TMPDIR=$root/tests; run_wine "$(windows_path "/a/b c")" >/dev/null || ls "$TMPDIR"'
-says 0 '01ba4719c80b6fe911b091a7c05124b64eeece964e09c058ef8f9805daca546b  line' \
+sum=01ba4719c80b6fe911b091a7c05124b64eeece964e09c058ef8f9805daca546b
+says 0 $'\n'"$work/line, 1 bytes, SHA-256 $sum"$'\n'"$sum  line" \
     'echo >"$root/line"; write_sum "$root/line"; cat "$root/line.sha256"'
 says 0 "$(printf '?%.0s' {1..40}), with changes" 'PATH=${PATH#*:}; cd "$root" && git init -q sources 2>"$root/log" && cd sources &&
     git -c user.name=n -c user.email=e commit -q --allow-empty -m m && touch file && git add file && commit_of .'

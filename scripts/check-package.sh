@@ -37,9 +37,9 @@ start_display
 start_wine wine-check
 cd "$user"
 
-# run_check [--accept]: its lines go to standard output, and to check.log.
+# run_check [--accept]: in another time zone than ours; its lines go to standard output, and to check.log.
 run_check() {
-    timeout 1800 "$root/cmake/run-under-wine.sh" cmd /c check.cmd "$@" </dev/null 2>"$work/wine.log"
+    TZ=Asia/Tokyo timeout 1800 "$root/cmake/run-under-wine.sh" cmd /c check.cmd "$@" </dev/null 2>"$work/wine.log"
 }
 
 if (($# == 1)); then
@@ -58,13 +58,16 @@ user_registry() {
 }
 wine reg add 'HKCU\Software\Brevik\Zentaro\DecoderCache64' /v .ogg /t REG_SZ /d 'C:\o g.dll' /f >/dev/null 2>&1
 user_registry >"$work/registry.before"
+begin=$(date -u '+%F %H:%M UTC')
 run_check || { cat check.log >&2 && fail "the check fails"; }
 user_registry >"$work/registry.after"
 diff "$work/registry.before" "$work/registry.after" || fail "the check changes the user's registry"
 
+time=$(head -n 1 check.log | tr -d '\r')
+[[ ! $time < $begin && ! $time > $(date -u '+%F %H:%M UTC') ]] || fail "check.log says that it began at $time"
 version=$(sed -n '1s/.* \([0-9.]*\)\r$/\1/p' README.txt)
 sum=$(sha256sum <dist/WriteMetadataFile.dll)
-[[ $(head -n 6 check.log) == *" UTC"*"WriteMetadataFile $version.0, commit $(<tests/commit.txt)"*"SHA-256 ${sum%% *}"* &&
+[[ $(head -n 6 check.log) == *"WriteMetadataFile $version.0, commit $(<tests/commit.txt)"*"SHA-256 ${sum%% *}"* &&
     $(head -n 6 check.log) == *'Windows '[1-9]*' (Wine '*'MSXML '[1-9]*', code page '*', 96 dpi'* ]] ||
     fail "check.log does not say what was tested, and where"
 grep -q '^[1-9][0-9]* passed, 0 failed, ' check.log || fail "check.log does not count what passed"

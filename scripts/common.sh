@@ -30,6 +30,13 @@ for argument; do
     fi
 done
 
+# Without random addresses, where the system lets us. Wine's program lies below 2 GiB and its heap somewhere in the
+# GiB above: once in some two thousand starts on 0x7FFE0000, which Windows shares with all programs. Wine then ends with
+# status 1 and says nothing.
+if [[ $(</proc/self/personality) != *[4-7c-f]???? ]] && setarch -R true 2>/dev/null; then
+    exec setarch -R bash "$0" "$@"
+fi
+
 # at_exit COMMAND: runs COMMAND when the script ends; commands run in reverse order.
 exit_commands=()
 at_exit() {
